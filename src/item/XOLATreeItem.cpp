@@ -1,0 +1,154 @@
+#include "XOLATreeItem.h"
+
+#include <QtCore/QHash>
+#include <QtQml/QQmlEngine>
+
+namespace {
+const QString kIdKey = QStringLiteral("idRole");
+const QString kNameKey = QStringLiteral("nameRole");
+const QString kChildModelKey = QStringLiteral("childModelRole");
+
+QVariant objectVariant(QObject* object)
+{
+    // Always a QObject* variant (type 39), also for null, so QML sees a valid value.
+    return QVariant::fromValue<QObject*>(object);
+}
+} // namespace
+
+XOLATreeItem::XOLATreeItem(const QString& id, const QString& name, QObject* childModel)
+    : QObject(nullptr)
+    , m_id(id)
+    , m_name(name)
+    , m_childModel(childModel)
+{
+    m_values.insert(kIdKey, QVariant(id));
+    m_values.insert(kNameKey, QVariant(name));
+    m_values.insert(kChildModelKey, objectVariant(childModel));
+    if (childModel)
+        connectChildModel(childModel);
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
+}
+
+XOLATreeItem::~XOLATreeItem() = default;
+
+void XOLATreeItem::connectChildModel(QObject* childModel)
+{
+    // Relay the child model's changes as this item's own signal so that views
+    // can react to changes anywhere below the item.
+    QObject::connect(childModel, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
+                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
+    QObject::connect(childModel, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
+                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
+    QObject::connect(childModel, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
+                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
+}
+
+int XOLATreeItem::roleFromName(const QString& roleName)
+{
+    // Only the three fixed fields have names here; free keys of the value map
+    // are reached through the whole map (JsonValueRole) or by a subclass.
+    const QHash<int, QByteArray> names{{IdRole, "idRole"}, {NameRole, "nameRole"}, {ChildModelRole, "childModelRole"}};
+    const QByteArray wanted = roleName.toLatin1();
+    for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
+        if (it.value() == wanted)
+            return it.key();
+    }
+    return 0;
+}
+
+QVariant XOLATreeItem::getData(int role) const
+{
+    switch (role) {
+    case IdRole:
+        return QVariant(m_id);
+    case NameRole:
+        return QVariant(m_name);
+    case ChildModelRole:
+        return objectVariant(m_childModel);
+    case JsonValueRole:
+        return QVariant(m_values);
+    default:
+        return QVariant();
+    }
+}
+
+QVariant XOLATreeItem::getData(const QString& roleName) const
+{
+    return getData(roleFromName(roleName));
+}
+
+void XOLATreeItem::setData(int role, QVariant value)
+{
+    switch (role) {
+    case IdRole:
+        SetID(value.toString());
+        break;
+    case NameRole:
+        SetName(value.toString());
+        break;
+    case ChildModelRole:
+        SetChildModel(qvariant_cast<QObject*>(value));
+        break;
+    case JsonValueRole:
+        SetJsonValue(value.toMap());
+        break;
+    default:
+        break;
+    }
+}
+
+void XOLATreeItem::setData(const QString& roleName, QVariant value)
+{
+    setData(roleFromName(roleName), value);
+}
+
+void XOLATreeItem::SetID(const QString& id)
+{
+    if (id == m_id)
+        return;
+    m_id = id;
+    m_values[kIdKey] = QVariant(id);
+    emit valueChanged();
+}
+
+void XOLATreeItem::SetName(const QString& name)
+{
+    if (name == m_name)
+        return;
+    m_name = name;
+    m_values[kNameKey] = QVariant(name);
+    emit valueChanged();
+}
+
+void XOLATreeItem::SetChildModel(QObject* childModel)
+{
+    if (childModel) {
+        // Drops only self-connections. Connections from earlier child models stay
+        // on purpose: an item given several child models in turn keeps relaying
+        // all of them, and hosts rely on that.
+        QObject::disconnect(this, nullptr, this, nullptr);
+        // Connected before the equality test: setting the same model twice
+        // relays its changes twice, which existing hosts expect.
+        connectChildModel(childModel);
+        if (childModel == m_childModel)
+            return;
+    } else if (!m_childModel) {
+        return;
+    }
+    m_childModel = childModel;
+    m_values[kChildModelKey] = objectVariant(childModel);
+    emit valueChanged();
+}
+
+void XOLATreeItem::SetJsonValue(const QMap<QString, QVariant>& value)
+{
+    if (value == m_values)
+        return;
+    m_values = value;
+    // The non-const subscript is wanted: a map without one of the fixed keys
+    // gains it, so a value without "idRole" clears the id.
+    SetID(m_values[kIdKey].toString());
+    SetName(m_values[kNameKey].toString());
+    SetChildModel(qvariant_cast<QObject*>(m_values[kChildModelKey]));
+    emit valueChanged();
+}

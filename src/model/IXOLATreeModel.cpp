@@ -1,0 +1,8 @@
+#include "IXOLATreeModel.h"
+
+IXOLATreeModel::IXOLATreeModel(QObject* parent)
+    : QAbstractListModel(parent)
+{
+}
+
+IXOLATreeModel::~IXOLATreeModel() = default;

@@ -1,0 +1,69 @@
+#ifndef FILTERMODELIMP_H
+#define FILTERMODELIMP_H
+
+#include "XOLATreeModel.h"
+
+#include <QtCore/QPointer>
+
+/*!
+ * A live filtered view of a source model. Its rows are the source's own item
+ * objects that pass the rules (or the caller's predicate), in source order at
+ * the last full rebuild. Built with option bits 3: the QML engine owns it and
+ * it never deletes the source's items.
+ */
+class FilterModelImp : public XOLATreeModel
+{
+    Q_OBJECT
+
+public:
+    FilterModelImp(IXOLATreeModel* source, const QList<QVariant>& filterRules, bool orAllRules, int newItemPos);
+    FilterModelImp(IXOLATreeModel* source, PF_MATCH_ITEM rule, const QVariant& ruleValue, int newItemPos);
+    ~FilterModelImp() override;
+
+    QVariant data(const QModelIndex& index, int role) const override;
+
+    QString FindItemID(int row) const override;
+    int FindItemRow(const QString& id) const override;
+    QVariant FindItemValue(int row, int role) const override;
+    QVariant FindItemValue(int row, const QString& roleName) const override;
+    QVariant FindItemValue(const QString& id, int role) const override;
+    QVariant FindItemValue(const QString& id, const QString& roleName) const override;
+    QVariant FindItemValueEx(const QString& id, int role, bool includeChildModel) const override;
+    QVariant FindItemValueEx(const QString& id, const QString& roleName, bool includeChildModel) const override;
+    QObject* FindItem(int row) const override;
+    QObject* FindItem(const QString& id, bool includeChildModel = false) const override;
+    bool UpdateFilterRules(QVariantList filterRules = QVariantList(), bool orAllRules = true) override;
+    bool UpdateUserDefinedFilterRules(QVariant filterRules = QVariant()) override;
+
+    bool MatchRule(const XOLATreeItem* item, const QList<QVariant>& rules, bool orAllRules);
+    bool IsMatchRule(const XOLATreeItem* item);
+    bool ReGenFilterModel();
+    //! A new filter view of the item's child model with this view's rules, or null.
+    QObject* FindChildModel(XOLATreeItem* item) const;
+
+    IXOLATreeModel* sourceModel() const { return m_sourceModel.data(); }
+    QList<QVariant> filterRules() const { return m_filterRules; }
+    bool orAllRules() const { return m_orAllRules; }
+    int newItemPos() const { return m_newItemPos; }
+
+public slots:
+    void SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    void SourceModelItemAddedHandler(const QModelIndex& parent, int start, int end);
+    void SourceModelItemRemovedHandler(const QString& id);
+    void SourceModelItemsRemovedHandler(const QStringList& idList);
+    void SourceModelAllItemRemovedHandler();
+    void ChildModelValueChangedHandler();
+
+private:
+    void Initial();
+
+    // Guarded so that a view left behind by a deleted source stays harmless.
+    QPointer<IXOLATreeModel> m_sourceModel;
+    QList<QVariant> m_filterRules;
+    QVariant m_ruleValue;
+    bool m_orAllRules = false;
+    PF_MATCH_ITEM m_userDefinedRule;
+    int m_newItemPos = POS_TAIL;
+};
+
+#endif // FILTERMODELIMP_H

@@ -1,0 +1,155 @@
+#include "PartialModel.h"
+
+#include "IXOLATreeModel.h"
+
+PartialModel::PartialModel(QObject* sourceModel, QObject* parent)
+    : QAbstractListModel(parent)
+    , m_sourceModel(sourceModel)
+{
+    if (!sourceModel)
+        return;
+    QObject::connect(sourceModel, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
+    QObject::connect(sourceModel, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
+                     this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
+    QObject::connect(sourceModel, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
+                     this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
+    QObject::connect(sourceModel, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
+                     this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
+    QObject::connect(sourceModel, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+}
+
+PartialModel::~PartialModel() = default;
+
+IXOLATreeModel* PartialModel::source() const
+{
+    // A source that is not a model (or is gone) acts as no source.
+    return qobject_cast<IXOLATreeModel*>(m_sourceModel.data());
+}
+
+int PartialModel::shown() const
+{
+    const IXOLATreeModel* model = source();
+    if (!model)
+        return m_count;
+    // Signed on purpose: it may be 0 or negative when the first row lies past the end.
+    return qMin(m_count, model->rowCount() - m_firstRow);
+}
+
+int PartialModel::rowCount(const QModelIndex& /*parent*/) const
+{
+    return shown();
+}
+
+int PartialModel::GetPartialModelCount() const
+{
+    return shown();
+}
+
+int PartialModel::GetFirstPartialModelRow() const
+{
+    return m_firstRow;
+}
+
+QVariant PartialModel::data(const QModelIndex& index, int role) const
+{
+    const IXOLATreeModel* model = source();
+    const int row = index.row();
+    if (!model || row < 0 || row >= shown())
+        return QVariant();
+    return model->FindItemValue(m_firstRow + row, role);
+}
+
+QHash<int, QByteArray> PartialModel::roleNames() const
+{
+    const IXOLATreeModel* model = source();
+    return model ? model->roleNames() : QHash<int, QByteArray>();
+}
+
+QVariantMap PartialModel::get(int row)
+{
+    IXOLATreeModel* model = source();
+    // Answers in source terms, also past the window's end.
+    return model ? model->get(row + m_firstRow) : QVariantMap();
+}
+
+int PartialModel::FindItemRow(QString id)
+{
+    const IXOLATreeModel* model = source();
+    // The row in the source, not in the window.
+    return model ? model->FindItemRow(id) : -1;
+}
+
+void PartialModel::SetFirstPartialModelRow(int row)
+{
+    const IXOLATreeModel* model = source();
+    if (row == m_firstRow || !model)
+        return;
+    const int oldShown = shown();
+    if (row >= model->rowCount())
+        row = model->rowCount() - 1;
+    m_firstRow = row < 0 ? 0 : row;
+    const int now = shown();
+    emit dataChanged(index(0), index(now < 1 ? 0 : now - 1));
+    const int newShown = shown();
+    if (newShown == oldShown)
+        return;
+    if (oldShown < newShown) {
+        beginInsertRows(QModelIndex(), oldShown, newShown - 1);
+        endInsertRows();
+    } else {
+        beginRemoveRows(QModelIndex(), newShown, oldShown - 1);
+        endRemoveRows();
+    }
+    emit rowCountChanged();
+}
+
+void PartialModel::SetPartialModelCount(int count)
+{
+    // The whole window is announced as removed and inserted again, also when
+    // the size is unchanged: delegates are rebuilt from scratch.
+    const int before = shown();
+    if (before >= 1) {
+        beginRemoveRows(QModelIndex(), 0, before - 1);
+        endRemoveRows();
+    }
+    if (count < 1) {
+        m_count = 0;
+        return;
+    }
+    m_count = count;
+    const int after = shown();
+    if (source() && after < 1) {
+        // One row is announced although none is shown; kept for existing hosts.
+        beginInsertRows(QModelIndex(), 0, 0);
+        endInsertRows();
+        return;
+    }
+    beginInsertRows(QModelIndex(), 0, after - 1);
+    endInsertRows();
+}
+
+void PartialModel::SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    const int top = topLeft.row();
+    const int bottom = bottomRight.row();
+    const int visible = shown();
+    if (top >= visible + m_firstRow || bottom < m_firstRow || top > bottom)
+        return;
+    for (int r = top; r <= bottom; ++r) {
+        const int rel = r - m_firstRow;
+        // The upper bound adds the first row on purpose (the same bound as above,
+        // in source terms); existing hosts see those rows reported.
+        if (rel < 0 || rel >= visible + m_firstRow)
+            continue;
+        emit dataChanged(index(rel), index(rel));
+    }
+}
+
+void PartialModel::SourceModelCountChangedHandler(const QModelIndex& /*parent*/, int start, int /*end*/)
+{
+    if (shown() + m_firstRow >= start) {
+        beginResetModel();
+        endResetModel();
+        emit rowCountChanged();
+    }
+}
