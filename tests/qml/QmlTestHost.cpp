@@ -1,0 +1,127 @@
+#include "QmlTestHost.h"
+
+#include "TestSupport.h"
+#include "XOLATreeModel.h"
+
+#include <QtQml/QQmlEngine>
+
+namespace {
+XOLATreeModel* asModel(QObject* object)
+{
+    return qobject_cast<XOLATreeModel*>(object);
+}
+
+ValueItem* findItem(QObject* model, const QString& id)
+{
+    auto* m = qobject_cast<IXOLATreeModel*>(model);
+    return m ? qobject_cast<ValueItem*>(m->FindItem(id, true)) : nullptr;
+}
+} // namespace
+
+QmlTestHost::QmlTestHost(QObject* parent)
+    : QObject(parent)
+{
+}
+
+QmlTestHost::~QmlTestHost() = default;
+
+QObject* QmlTestHost::createModel(int flags)
+{
+    XOLATreeModel* model = TestSupport::createModel(flags & ~1, TestSupport::extendedRoleNames());
+    if (model)
+        model->setParent(this);
+    return model;
+}
+
+bool QmlTestHost::append(QObject* model, const QString& id, const QString& name, const QVariant& value)
+{
+    XOLATreeModel* m = asModel(model);
+    return m && m->AppendItem(new ValueItem(id, name, value));
+}
+
+bool QmlTestHost::appendMany(QObject* model, const QStringList& ids)
+{
+    XOLATreeModel* m = asModel(model);
+    if (!m)
+        return false;
+    QList<XOLATreeItem*> list;
+    for (const QString& id : ids)
+        list << new ValueItem(id, QStringLiteral("name-") + id);
+    return m->AppendItemsList(list);
+}
+
+bool QmlTestHost::appendWithChild(QObject* model, const QString& id, const QString& name, QObject* childModel)
+{
+    XOLATreeModel* m = asModel(model);
+    return m && m->AppendItem(new ValueItem(id, name, QVariant(), childModel));
+}
+
+bool QmlTestHost::prepend(QObject* model, const QString& id, const QString& name, const QVariant& value)
+{
+    XOLATreeModel* m = asModel(model);
+    return m && m->PrependItem(new ValueItem(id, name, value));
+}
+
+bool QmlTestHost::setValue(QObject* model, const QString& id, const QVariant& value)
+{
+    ValueItem* item = findItem(model, id);
+    if (!item)
+        return false;
+    item->setExtra(ValueItem::ValueRole, value);
+    return true;
+}
+
+bool QmlTestHost::setGroup(QObject* model, const QString& id, const QVariant& value)
+{
+    ValueItem* item = findItem(model, id);
+    if (!item)
+        return false;
+    item->setExtra(ValueItem::GroupRole, value);
+    return true;
+}
+
+bool QmlTestHost::setText(QObject* model, const QString& id, const QVariant& value)
+{
+    ValueItem* item = findItem(model, id);
+    if (!item)
+        return false;
+    item->setExtra(ValueItem::TextRole, value);
+    return true;
+}
+
+bool QmlTestHost::setName(QObject* model, const QString& id, const QString& name)
+{
+    ValueItem* item = findItem(model, id);
+    if (!item)
+        return false;
+    item->SetName(name);
+    return true;
+}
+
+bool QmlTestHost::removeOne(QObject* model, const QString& id)
+{
+    XOLATreeModel* m = asModel(model);
+    return m && m->RemoveOne(id);
+}
+
+void QmlTestHost::removeAll(QObject* model)
+{
+    if (XOLATreeModel* m = asModel(model))
+        m->RemoveAll();
+}
+
+QString QmlTestHost::dataDir() const
+{
+    return QStringLiteral(XOLA_TEST_DATA_DIR);
+}
+
+int QmlTestHost::sortFlag(QObject* model) const
+{
+    XOLATreeModel* m = asModel(model);
+    return m ? m->sortFlag() : -1;
+}
+
+int QmlTestHost::objectOwnership(QObject* object) const
+{
+    return object ? int(QQmlEngine::objectOwnership(object)) : -1;
+}
