@@ -1,6 +1,8 @@
 #ifndef XOLATREEMODELWORKER_H
 #define XOLATREEMODELWORKER_H
 
+#include "XOLATreeModelGlobal.h"
+
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QVariant>
@@ -13,7 +15,7 @@ class XOLATreeModel;
  * threads: the model invokes these slots with a blocking queued connection.
  * Item pointers travel as QVariant values of type VoidStar.
  */
-class XOLATreeModelWorker : public QObject
+class XOLATREEMODEL_EXPORT XOLATreeModelWorker : public QObject
 {
     Q_OBJECT
 

@@ -12,7 +12,7 @@ class QObject;
 
 //! Separator used when a string list is rendered as one text; a fixed GUID text
 //! that does not occur in data, so a substring never matches across two entries.
-extern const char* const kStringListSeparator;
+XOLATREEMODEL_EXPORT extern const char* const kStringListSeparator;
 
 /*!
  * A comparable value: one QVariant with a direction and, optionally, a caller's
@@ -23,7 +23,7 @@ extern const char* const kStringListSeparator;
  * A descending value flips every comparison by plain negation (not by swapping
  * the operands): the sorts' tie orders depend on that.
  */
-class MyVariant
+class XOLATREEMODEL_EXPORT MyVariant
 {
 public:
     explicit MyVariant(const QVariant& value);

@@ -4,6 +4,7 @@
 #include "XOLATreeModel.h"
 
 #include <QtCore/QPointer>
+#include <QtCore/QSet>
 
 /*!
  * A live filtered view of a source model. Its rows are the source's own item
@@ -11,7 +12,7 @@
  * the last full rebuild. Built with option bits 3: the QML engine owns it and
  * it never deletes the source's items.
  */
-class FilterModelImp : public XOLATreeModel
+class XOLATREEMODEL_EXPORT FilterModelImp : public XOLATreeModel
 {
     Q_OBJECT
 
@@ -56,6 +57,13 @@ public slots:
 
 private:
     void Initial();
+    //! The view's own connection from an item's valueChanged() is made anew each
+    //! time the item enters, so that every change reports its row exactly once.
+    void dropValueConnection(XOLATreeItem* item);
+    //! True while the item is one of the source's rows.
+    bool isListedBySource(const XOLATreeItem* item) const;
+    //! Plain variants for QML objects and arrays; everything else unchanged.
+    static QVariant plainRuleValue(const QVariant& value);
 
     // Guarded so that a view left behind by a deleted source stays harmless.
     QPointer<IXOLATreeModel> m_sourceModel;
@@ -64,6 +72,9 @@ private:
     bool m_orAllRules = false;
     PF_MATCH_ITEM m_userDefinedRule;
     int m_newItemPos = POS_TAIL;
+    // Child models being searched right now: a tree that leads back into itself
+    // must not be walked forever.
+    QSet<const QObject*> m_descentPath;
 };
 
 #endif // FILTERMODELIMP_H

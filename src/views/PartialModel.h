@@ -1,6 +1,8 @@
 #ifndef PARTIALMODEL_H
 #define PARTIALMODEL_H
 
+#include "XOLATreeModelGlobal.h"
+
 #include <QtCore/QAbstractListModel>
 #include <QtCore/QPointer>
 
@@ -11,7 +13,7 @@ class IXOLATreeModel;
  * source rows from a first row, renumbered from 0. Every fully constructed
  * model owns one over itself.
  */
-class PartialModel : public QAbstractListModel
+class XOLATREEMODEL_EXPORT PartialModel : public QAbstractListModel
 {
     Q_OBJECT
     Q_PROPERTY(int count READ rowCount NOTIFY rowCountChanged)
