@@ -49,6 +49,9 @@ XOLATreeModel::XOLATreeModel(QObject* parent, const QHash<int, QByteArray>& role
 
 XOLATreeModel::~XOLATreeModel()
 {
+    // Whatever thread deletes the model, its rows go here and now: the worker is
+    // about to die with it.
+    m_ownerThreadId = nullptr;
     // Non-virtual on purpose: views and QML see every row go before the model dies.
     XOLATreeModel::RemoveAll();
     m_sortRules.clear();

@@ -11,6 +11,36 @@
 #include <QtCore/QSet>
 #include <QtCore/QThread>
 
+namespace {
+// The row a list loader is merging into, per thread: bulk loads announce no
+// data change for merged rows, only single-item merges do.
+thread_local const QObject* t_quietModel = nullptr;
+thread_local const QObject* t_quietItem = nullptr;
+
+class QuietMerge
+{
+public:
+    QuietMerge(const QObject* model, const QObject* item)
+        : m_model(t_quietModel)
+        , m_item(t_quietItem)
+    {
+        t_quietModel = model;
+        t_quietItem = item;
+    }
+    ~QuietMerge()
+    {
+        t_quietModel = m_model;
+        t_quietItem = m_item;
+    }
+    QuietMerge(const QuietMerge&) = delete;
+    QuietMerge& operator=(const QuietMerge&) = delete;
+
+private:
+    const QObject* m_model;
+    const QObject* m_item;
+};
+} // namespace
+
 // ---- threads ---------------------------------------------------------------
 
 bool XOLATreeModel::isForeignThread() const
@@ -49,12 +79,11 @@ int XOLATreeModel::rowOfItem(const QObject* object) const
     if (!object)
         return -1;
     if (m_rowCacheValid && m_rowCacheSize == m_items.size()) {
-        const auto it = m_rowCache.constFind(object);
-        if (it == m_rowCache.constEnd())
-            return -1;
-        const int row = it.value();
-        if (row < m_items.size() && m_items.at(row) == object)
+        const int row = m_rowCache.value(object, -1);
+        if (row >= 0 && m_items.at(row) == object)
             return row;
+        // A miss is confirmed by a rebuild: views may have rearranged the rows
+        // through GetModelItemList() since the cache was filled.
     }
     // Rebuilt after any change of the rows; the first row holding the pointer wins.
     m_rowCache.clear();
@@ -165,9 +194,10 @@ bool XOLATreeModel::AppendItem(XOLATreeItem* item)
     const QString id = item->id();
     if (mergesDuplicates() && m_itemMap.contains(id)) {
         XOLATreeItem* existing = m_itemMap.value(id);
-        // The very object that is already listed is never merged into itself
-        // nor deleted: that would leave a dangling row.
-        if (existing == item)
+        // An object that is already listed (under this id or, after a change of
+        // its id, under another) is never merged away nor deleted: that would
+        // leave a dangling row.
+        if (existing == item || rowOfItem(item) >= 0)
             return false;
         if (existing)
             mergeDuplicate(item, existing);
@@ -205,8 +235,8 @@ bool XOLATreeModel::PrependItem(XOLATreeItem* item)
     const QString id = item->id();
     if (mergesDuplicates() && m_itemMap.contains(id)) {
         XOLATreeItem* existing = m_itemMap.value(id);
-        if (existing == item)
-            return false;
+        if (existing == item || rowOfItem(item) >= 0)
+            return false; // already listed: neither merged away nor deleted
         if (existing)
             mergeDuplicate(item, existing);
         const int row = FindItemRow(id);
@@ -251,12 +281,15 @@ bool XOLATreeModel::AppendItemsList(QList<XOLATreeItem*> itemList)
             continue;
         const QString id = item->id();
         if (mergesDuplicates() && m_itemMap.contains(id)) {
-            // No dataChanged for merged rows here, unlike AppendItem.
+            // No dataChanged for merged rows here, unlike AppendItem: neither a
+            // notice of its own nor one echoed from the merged item's change.
             XOLATreeItem* existing = m_itemMap.value(id);
-            if (existing == item)
-                continue; // already listed: neither merged into itself nor deleted
-            if (existing)
+            if (existing == item || rowOfItem(item) >= 0)
+                continue; // already listed: neither merged away nor deleted
+            if (existing) {
+                const QuietMerge quiet(this, existing);
                 mergeDuplicate(item, existing);
+            }
             delete item;
             continue;
         }
@@ -297,10 +330,12 @@ bool XOLATreeModel::PrependItemsList(QList<XOLATreeItem*> itemList)
         const QString id = item->id();
         if (mergesDuplicates() && m_itemMap.contains(id)) {
             XOLATreeItem* existing = m_itemMap.value(id);
-            if (existing == item)
-                continue;
-            if (existing)
+            if (existing == item || rowOfItem(item) >= 0)
+                continue; // already listed: neither merged away nor deleted
+            if (existing) {
+                const QuietMerge quiet(this, existing);
                 mergeDuplicate(item, existing);
+            }
             delete item;
             continue;
         }
@@ -454,12 +489,16 @@ void XOLATreeModel::RemoveAll()
 
 void XOLATreeModel::RemoveOne(XOLATreeItem* item)
 {
-    const int row = rowOfItem(item);
     // An item this model does not list is left alone: there is no row to announce.
-    if (row < 0)
+    if (rowOfItem(item) < 0)
         return;
+    // The child model goes first, so views of it see its rows go while the
+    // item is still listed here.
     if (!keepsRemovedItems() && item->childModel() && item->childModel() != this)
         disposeChildModel(item->childModel(), true);
+    const int row = rowOfItem(item);
+    if (row < 0)
+        return;
     beginRemoveRows(QModelIndex(), row, row);
     m_items.removeAt(row);
     m_itemMap.remove(item->id());
@@ -563,6 +602,8 @@ void XOLATreeModel::MoveRow(int sourceRowIndex, int destinationRowIndex)
 
 void XOLATreeModel::EmitValueChange()
 {
+    if (this == t_quietModel && sender() == t_quietItem)
+        return;
     const int row = rowOfItem(sender());
     const QModelIndex idx = index(row, 0);
     if (idx.isValid())
