@@ -5,6 +5,7 @@
 
 #include <QtCore/QMap>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
@@ -49,7 +50,7 @@ public:
 
     QString id() const { return m_id; }
     QString name() const { return m_name; }
-    QObject* childModel() const { return m_childModel; }
+    QObject* childModel() const { return m_childModel.data(); }
     QMap<QString, QVariant> jsonValue() const { return m_values; }
 
 signals:
@@ -62,7 +63,8 @@ private:
 
     QString m_id;
     QString m_name;
-    QObject* m_childModel = nullptr;
+    // Guarded: a child model deleted by its owner reads as none, never as a dangling pointer.
+    QPointer<QObject> m_childModel;
     QMap<QString, QVariant> m_values;
 };
 

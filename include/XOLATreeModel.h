@@ -122,8 +122,13 @@ protected:
     bool isForeignThread() const;
     //! Must be called after every change of m_items so the row cache is rebuilt.
     void itemsReordered() const { m_rowCacheValid = false; }
-    //! Row of the first element of m_items equal to object, or -1.
-    int rowOfItem(const QObject* object) const;
+    //! Row of the first element of m_items equal to object, or -1 (cached).
+    //! With confirmMiss false a miss in a valid cache is trusted (no rebuild).
+    int rowOfItem(const QObject* object, bool confirmMiss = true) const;
+    //! Keeps the row cache valid after one item was appended to m_items.
+    void itemAppended(const XOLATreeItem* item) const;
+    //! Row of the item by a scan from the front, or -1.
+    int listedRow(const XOLATreeItem* item) const;
     //! Hands an item to the model's thread when it was made on the calling thread.
     void adoptForeignItem(XOLATreeItem* item) const;
     static void disposeChildModel(QObject* childModel, bool disconnectChild);

@@ -64,7 +64,7 @@ QVariant XOLATreeItem::getData(int role) const
     case NameRole:
         return QVariant(m_name);
     case ChildModelRole:
-        return objectVariant(m_childModel);
+        return objectVariant(m_childModel.data());
     case JsonValueRole:
         return QVariant(m_values);
     default:

@@ -74,16 +74,19 @@ bool XOLATreeModel::forwardToWorker(const char* method, QGenericReturnArgument r
 
 // ---- row cache ---------------------------------------------------------------
 
-int XOLATreeModel::rowOfItem(const QObject* object) const
+int XOLATreeModel::rowOfItem(const QObject* object, bool confirmMiss) const
 {
     if (!object)
         return -1;
     if (m_rowCacheValid && m_rowCacheSize == m_items.size()) {
         const int row = m_rowCache.value(object, -1);
-        if (row >= 0 && m_items.at(row) == object)
+        // A miss is confirmed by a rebuild when asked: a host may have put the
+        // object in place through GetModelItemList() since the cache was filled.
+        if (row < 0 && !confirmMiss)
+            return -1;
+        if (row >= 0 && row < m_items.size() && m_items.at(row) == object)
             return row;
-        // A miss is confirmed by a rebuild: views may have rearranged the rows
-        // through GetModelItemList() since the cache was filled.
+        // The rows were rearranged in place (through GetModelItemList()): rebuild.
     }
     // Rebuilt after any change of the rows; the first row holding the pointer wins.
     m_rowCache.clear();
@@ -93,6 +96,26 @@ int XOLATreeModel::rowOfItem(const QObject* object) const
     m_rowCacheSize = m_items.size();
     m_rowCacheValid = true;
     return m_rowCache.value(object, -1);
+}
+
+void XOLATreeModel::itemAppended(const XOLATreeItem* item) const
+{
+    // Appends keep a valid cache valid, so loading one item at a time with
+    // duplicate checks stays linear.
+    if (m_rowCacheValid && m_rowCacheSize == m_items.size() - 1) {
+        if (!m_rowCache.contains(item))
+            m_rowCache.insert(item, m_items.size() - 1);
+        m_rowCacheSize = m_items.size();
+    } else {
+        m_rowCacheValid = false;
+    }
+}
+
+int XOLATreeModel::listedRow(const XOLATreeItem* item) const
+{
+    // Removals scan from the front: members usually leave from the head, and a
+    // cache would have to be rebuilt after every removal anyway.
+    return item ? m_items.indexOf(const_cast<XOLATreeItem*>(item)) : -1;
 }
 
 // ---- disposal -----------------------------------------------------------------
@@ -197,7 +220,7 @@ bool XOLATreeModel::AppendItem(XOLATreeItem* item)
         // An object that is already listed (under this id or, after a change of
         // its id, under another) is never merged away nor deleted: that would
         // leave a dangling row.
-        if (existing == item || rowOfItem(item) >= 0)
+        if (existing == item || rowOfItem(item, false) >= 0)
             return false;
         if (existing)
             mergeDuplicate(item, existing);
@@ -215,7 +238,7 @@ bool XOLATreeModel::AppendItem(XOLATreeItem* item)
     beginInsertRows(QModelIndex(), n, n);
     m_items.append(item);
     m_itemMap.insert(id, item);
-    itemsReordered();
+    itemAppended(item);
     endInsertRows();
     KeepSortingCheck();
     emit rowCountChanged();
@@ -235,7 +258,7 @@ bool XOLATreeModel::PrependItem(XOLATreeItem* item)
     const QString id = item->id();
     if (mergesDuplicates() && m_itemMap.contains(id)) {
         XOLATreeItem* existing = m_itemMap.value(id);
-        if (existing == item || rowOfItem(item) >= 0)
+        if (existing == item || rowOfItem(item, false) >= 0)
             return false; // already listed: neither merged away nor deleted
         if (existing)
             mergeDuplicate(item, existing);
@@ -284,7 +307,7 @@ bool XOLATreeModel::AppendItemsList(QList<XOLATreeItem*> itemList)
             // No dataChanged for merged rows here, unlike AppendItem: neither a
             // notice of its own nor one echoed from the merged item's change.
             XOLATreeItem* existing = m_itemMap.value(id);
-            if (existing == item || rowOfItem(item) >= 0)
+            if (existing == item || rowOfItem(item, false) >= 0)
                 continue; // already listed: neither merged away nor deleted
             if (existing) {
                 const QuietMerge quiet(this, existing);
@@ -296,10 +319,10 @@ bool XOLATreeModel::AppendItemsList(QList<XOLATreeItem*> itemList)
         connectItem(item);
         m_items.append(item);
         m_itemMap.insert(id, item);
+        itemAppended(item);
         ++added;
     }
     if (added > 0) {
-        itemsReordered();
         // The notice follows the change: the rows are already listed when views
         // hear of them, as existing hosts expect from a bulk load.
         beginInsertRows(QModelIndex(), first, first + added - 1);
@@ -330,7 +353,7 @@ bool XOLATreeModel::PrependItemsList(QList<XOLATreeItem*> itemList)
         const QString id = item->id();
         if (mergesDuplicates() && m_itemMap.contains(id)) {
             XOLATreeItem* existing = m_itemMap.value(id);
-            if (existing == item || rowOfItem(item) >= 0)
+            if (existing == item || rowOfItem(item, false) >= 0)
                 continue; // already listed: neither merged away nor deleted
             if (existing) {
                 const QuietMerge quiet(this, existing);
@@ -490,13 +513,13 @@ void XOLATreeModel::RemoveAll()
 void XOLATreeModel::RemoveOne(XOLATreeItem* item)
 {
     // An item this model does not list is left alone: there is no row to announce.
-    if (rowOfItem(item) < 0)
+    if (listedRow(item) < 0)
         return;
     // The child model goes first, so views of it see its rows go while the
     // item is still listed here.
     if (!keepsRemovedItems() && item->childModel() && item->childModel() != this)
         disposeChildModel(item->childModel(), true);
-    const int row = rowOfItem(item);
+    const int row = listedRow(item);
     if (row < 0)
         return;
     beginRemoveRows(QModelIndex(), row, row);
@@ -515,7 +538,7 @@ bool XOLATreeModel::RemoveOne(const QString& id)
     }
     auto* item = qobject_cast<XOLATreeItem*>(FindItem(id, false));
     // An id whose item is no longer listed (a stale entry) answers as unknown.
-    if (!item || rowOfItem(item) < 0)
+    if (!item || listedRow(item) < 0)
         return false;
     RemoveOne(item);
     emit itemsRemoved(QStringList{id});
@@ -530,7 +553,7 @@ bool XOLATreeModel::Remove(const QStringList& idList)
     QStringList removed;
     for (const QString& id : idList) {
         auto* item = qobject_cast<XOLATreeItem*>(FindItem(id, false));
-        if (!item || rowOfItem(item) < 0)
+        if (!item || listedRow(item) < 0)
             continue;
         RemoveOne(item);
         removed << id;

@@ -1,14 +1,189 @@
 #include "MyVariant.h"
 
-// Placeholder bodies; the ordering rules are filled in by the ordering work.
+#include <QtCore/QByteArray>
+#include <QtCore/QDate>
+#include <QtCore/QDateTime>
+#include <QtCore/QMetaMethod>
+#include <QtCore/QMetaObject>
+#include <QtCore/QObject>
+#include <QtCore/QStringList>
+#include <QtCore/QTime>
+#include <QtQml/QJSEngine>
+#include <QtQml/QJSValue>
+
+// Stored by hosts inside texts that were built from string lists, so the exact
+// characters must never change.
 const char* const kStringListSeparator = "{F185B90B-D31F-48AF-ABC6-4C516C125083}";
-MyVariant::MyVariant(const QVariant& value) : m_value(value) {}
-MyVariant::MyVariant(const QVariant& value, bool ascending, PF_LESS_THAN pfLessThan) : m_value(value), m_ascending(ascending), m_lessThan(pfLessThan) {}
-MyVariant::MyVariant(const QVariant& value, bool ascending, QObject* object, const QString& name) : m_value(value), m_ascending(ascending), m_qmlObject(object), m_compareFunctionName(name) {}
-MyVariant::MyVariant(const QVariant& value, bool ascending, QJSEngine* engine, QJSValue* function) : m_value(value), m_ascending(ascending), m_jsEngine(engine), m_jsFunction(function) {}
-bool MyVariant::operator<(const MyVariant&) const { return false; }
-bool MyVariant::operator>(const MyVariant&) const { return false; }
-QString MyVariant::toString() const { return m_value.toString(); }
-bool MyVariant::usesBuiltInComparison() const { return true; }
-bool MyVariant::isComparableType(int) { return false; }
-bool MyVariant::callbackLess(const QVariant&, const QVariant&, bool*) const { return false; }
+
+namespace {
+
+enum class Relation { Less, Greater };
+
+// The built-in comparison: chosen by the left value's type, with the right value
+// converted to that type, so mixed types compare in the left value's terms.
+// Only called for types that isComparableType() accepts.
+bool builtInCompare(const QVariant& left, const QVariant& right, Relation relation)
+{
+    const bool less = relation == Relation::Less;
+    switch (left.type()) {
+    case QVariant::Bool: {
+        // false orders before true
+        const bool l = left.toBool();
+        const bool r = right.toBool();
+        return less ? (!l && r) : (l && !r);
+    }
+    case QVariant::Int:
+        return less ? left.toInt() < right.toInt() : left.toInt() > right.toInt();
+    case QVariant::UInt:
+        return less ? left.toUInt() < right.toUInt() : left.toUInt() > right.toUInt();
+    case QVariant::LongLong:
+        return less ? left.toLongLong() < right.toLongLong() : left.toLongLong() > right.toLongLong();
+    case QVariant::ULongLong:
+        return less ? left.toULongLong() < right.toULongLong() : left.toULongLong() > right.toULongLong();
+    case QVariant::Double:
+        return less ? left.toDouble() < right.toDouble() : left.toDouble() > right.toDouble();
+    case QVariant::Char:
+        return less ? left.toChar() < right.toChar() : left.toChar() > right.toChar();
+    case QVariant::String:
+        // Code-unit order, no locale: the same on every machine.
+        return less ? left.toString() < right.toString() : left.toString() > right.toString();
+    case QVariant::ByteArray: {
+        const int c = qstrcmp(left.toByteArray(), right.toByteArray());
+        return less ? c < 0 : c > 0;
+    }
+    case QVariant::Date:
+        return less ? left.toDate() < right.toDate() : left.toDate() > right.toDate();
+    case QVariant::Time:
+        return less ? left.toTime() < right.toTime() : left.toTime() > right.toTime();
+    case QVariant::DateTime:
+        return less ? left.toDateTime() < right.toDateTime() : left.toDateTime() > right.toDateTime();
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+MyVariant::MyVariant(const QVariant& value)
+    : m_value(value)
+{
+}
+
+MyVariant::MyVariant(const QVariant& value, bool ascending, PF_LESS_THAN pfLessThan)
+    : m_value(value)
+    , m_ascending(ascending)
+    , m_lessThan(std::move(pfLessThan))
+{
+}
+
+MyVariant::MyVariant(const QVariant& value, bool ascending, QObject* object, const QString& compareFunctionName)
+    : m_value(value)
+    , m_ascending(ascending)
+    , m_qmlObject(object)
+    , m_compareFunctionName(compareFunctionName)
+{
+}
+
+MyVariant::MyVariant(const QVariant& value, bool ascending, QJSEngine* engine, QJSValue* function)
+    : m_value(value)
+    , m_ascending(ascending)
+    , m_jsEngine(engine)
+    , m_jsFunction(function)
+{
+}
+
+bool MyVariant::isComparableType(int type)
+{
+    switch (type) {
+    case QVariant::Bool:
+    case QVariant::Int:
+    case QVariant::UInt:
+    case QVariant::LongLong:
+    case QVariant::ULongLong:
+    case QVariant::Double:
+    case QVariant::Char:
+    case QVariant::String:
+    case QVariant::ByteArray:
+    case QVariant::Date:
+    case QVariant::Time:
+    case QVariant::DateTime:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool MyVariant::usesBuiltInComparison() const
+{
+    return !m_lessThan && !(m_qmlObject && !m_compareFunctionName.isEmpty()) && !m_jsFunction;
+}
+
+bool MyVariant::callbackLess(const QVariant& left, const QVariant& right, bool* handled) const
+{
+    *handled = true;
+    if (m_lessThan)
+        return m_lessThan(left, right);
+
+    if (m_qmlObject && !m_compareFunctionName.isEmpty()) {
+        // A method that is missing answers false, as a failed call would, but
+        // without Qt's console warning for an unknown method.
+        const QMetaObject* mo = m_qmlObject->metaObject();
+        const QByteArray signature = QMetaObject::normalizedSignature(
+            (m_compareFunctionName.toLatin1() + "(QVariant,QVariant)").constData());
+        const int index = mo->indexOfMethod(signature.constData());
+        if (index < 0)
+            return false;
+        QVariant result;
+        mo->method(index).invoke(m_qmlObject, Qt::DirectConnection, Q_RETURN_ARG(QVariant, result),
+                                 Q_ARG(QVariant, left), Q_ARG(QVariant, right));
+        return result.toBool();
+    }
+
+    if (m_jsFunction) {
+        QJSValueList arguments;
+        if (m_jsEngine)
+            arguments << m_jsEngine->toScriptValue(left) << m_jsEngine->toScriptValue(right);
+        else
+            arguments << QJSValue() << QJSValue();
+        return m_jsFunction->call(arguments).toBool();
+    }
+
+    *handled = false;
+    return false;
+}
+
+bool MyVariant::operator<(const MyVariant& other) const
+{
+    bool handled = false;
+    bool less = callbackLess(m_value, other.m_value, &handled);
+    if (!handled) {
+        // Values that have no order are never less, in either direction.
+        if (!isComparableType(m_value.type()))
+            return false;
+        less = builtInCompare(m_value, other.m_value, Relation::Less);
+    }
+    // Plain negation, not an operand swap: equal keys then compare less both
+    // ways when descending, which keeps equal rows in their order.
+    return m_ascending ? less : !less;
+}
+
+bool MyVariant::operator>(const MyVariant& other) const
+{
+    bool handled = false;
+    // The caller's function answers "is the first before the second", so asking
+    // it with the operands swapped answers "is this one after the other".
+    bool greater = callbackLess(other.m_value, m_value, &handled);
+    if (!handled) {
+        if (!isComparableType(m_value.type()))
+            return false;
+        greater = builtInCompare(m_value, other.m_value, Relation::Greater);
+    }
+    return m_ascending ? greater : !greater;
+}
+
+QString MyVariant::toString() const
+{
+    if (m_value.type() == QVariant::StringList)
+        return m_value.toStringList().join(QLatin1String(kStringListSeparator));
+    return m_value.toString();
+}

@@ -10,8 +10,9 @@ class QJSEngine;
 class QJSValue;
 class QObject;
 
-//! Separator used when a string list is rendered as one text; a fixed GUID text
-//! that does not occur in data, so a substring never matches across two entries.
+//! Separator used when a string list is rendered as one text: a fixed GUID text,
+//! so that hosts can split the text again. A substring rule may still match the
+//! separator itself (any list of two or more entries contains "ABC6").
 XOLATREEMODEL_EXPORT extern const char* const kStringListSeparator;
 
 /*!

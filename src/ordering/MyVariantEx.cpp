@@ -1,8 +1,106 @@
 #include "MyVariantEx.h"
 
-MyVariantEx::MyVariantEx(XOLATreeItem* item, const QVariantList& rules, const QHash<int, QByteArray>& roleNames) : m_item(item), m_rules(rules), m_roleNames(roleNames) {}
+#include "XOLATreeItem.h"
+
+#include <QtCore/QMap>
+
+MyVariantEx::MyVariantEx(XOLATreeItem* item, const QVariantList& rules, const QHash<int, QByteArray>& roleNames)
+    : m_item(item)
+    , m_rules(rules)
+    , m_roleNames(roleNames)
+{
+}
+
+MyVariantEx::MyVariantEx(XOLATreeItem* item, const QVariantList& rules, const QHash<int, QByteArray>& roleNames,
+                         const QSharedPointer<const ResolvedRules>& resolved)
+    : m_item(item)
+    , m_rules(rules)
+    , m_roleNames(roleNames)
+    , m_resolved(resolved)
+{
+}
+
 MyVariantEx::MyVariantEx(const MyVariantEx& other) = default;
+
 MyVariantEx::~MyVariantEx() = default;
-bool MyVariantEx::operator<(const MyVariantEx&) const { return false; }
-int MyVariantEx::compareVariants(const QVariant&, const QVariant&) { return 0; }
-int MyVariantEx::resolveRole(const QHash<int, QByteArray>&, const QString&) { return 0; }
+
+int MyVariantEx::compareVariants(const QVariant& left, const QVariant& right)
+{
+    // QVariant's comparison operators are the only public face of its own
+    // ordering (case-insensitive for strings), which existing rule lists expect.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    if (left < right)
+        return -1;
+    if (left > right)
+        return 1;
+    QT_WARNING_POP
+    return 0;
+}
+
+int MyVariantEx::resolveRole(const QHash<int, QByteArray>& roleNames, const QString& roleName)
+{
+    const QByteArray wanted = roleName.toLatin1();
+    for (auto it = roleNames.constBegin(); it != roleNames.constEnd(); ++it) {
+        if (it.value() == wanted)
+            return it.key();
+    }
+    // An unknown name sorts by role 0 rather than failing.
+    return 0;
+}
+
+MyVariantEx::ResolvedRules MyVariantEx::resolveRules(const QVariantList& rules, const QHash<int, QByteArray>& roleNames)
+{
+    ResolvedRules resolved;
+    resolved.reserve(rules.size());
+    for (const QVariant& rule : rules) {
+        const QVariantMap map = rule.toMap();
+        if (map.isEmpty())
+            continue;
+        ResolvedRule r;
+        r.role = resolveRole(roleNames, map.value(QStringLiteral("RoleName")).toString());
+        // A rule without "Ascending" sorts descending: rule lists written that
+        // way rely on it.
+        r.ascending = map.value(QStringLiteral("Ascending")).toBool();
+        resolved.append(r);
+    }
+    return resolved;
+}
+
+// 1: left first, -1: right first, 0: this rule does not decide.
+int MyVariantEx::decide(const XOLATreeItem* left, const XOLATreeItem* right, int role, bool ascending)
+{
+    // Values are read afresh on each comparison: items may answer from live data.
+    const QVariant l = left->getData(role);
+    const QVariant r = right->getData(role);
+    // A missing value neither orders nor ties; the next rule decides.
+    if (l.isNull() || r.isNull())
+        return 0;
+    const int c = compareVariants(l, r);
+    if (c == 0)
+        return 0;
+    return (ascending ? c < 0 : c > 0) ? 1 : -1;
+}
+
+bool MyVariantEx::operator<(const MyVariantEx& other) const
+{
+    if (!m_item || !other.m_item)
+        return false;
+    if (m_resolved) {
+        for (const ResolvedRule& rule : *m_resolved) {
+            if (const int d = decide(m_item, other.m_item, rule.role, rule.ascending))
+                return d > 0;
+        }
+        return false;
+    }
+    for (const QVariant& rule : m_rules) {
+        const QVariantMap map = rule.toMap();
+        if (map.isEmpty())
+            continue;
+        const int role = resolveRole(m_roleNames, map.value(QStringLiteral("RoleName")).toString());
+        const bool ascending = map.value(QStringLiteral("Ascending")).toBool();
+        if (const int d = decide(m_item, other.m_item, role, ascending))
+            return d > 0;
+    }
+    return false;
+}

@@ -1,12 +1,386 @@
+// Sorting: by one role (built-in comparison or a caller's less-than), by a
+// comparison written in a QML or script file, and by a list of rules; plus the
+// keep-sorting state that insertions consult.
+//
+// Every sort orders its rows exactly as inserting them one by one, in their
+// current order, into an ordered multi-map would: from the root, go right when
+// the node's key is less than the new key, else left, never replacing. Hosts
+// depend on the resulting order of equal (and of inconsistently compared) rows,
+// so every path below reproduces that order.
+
 #include "XOLATreeModel.h"
 
-// Placeholder bodies; filled in by the ordering work.
-void XOLATreeModel::SortByRole(int, bool, PF_LESS_THAN) {}
-void XOLATreeModel::SortByRole(const QString&, bool, PF_LESS_THAN) {}
-void XOLATreeModel::SortByRoleAndKeep(int, bool, PF_LESS_THAN) {}
-void XOLATreeModel::SortByRoleAndKeep(const QString&, bool, PF_LESS_THAN) {}
-void XOLATreeModel::SortByRoleByQMLFunction(int, bool, QString, QString) {}
-void XOLATreeModel::SortByRoleByQMLFunction(const QString&, bool, QString, QString) {}
-void XOLATreeModel::SortByRoleByScriptFunction(int, bool, QString, QString) {}
-void XOLATreeModel::SortByRoleByScriptFunction(const QString&, bool, QString, QString) {}
-void XOLATreeModel::SortByRules(const QVariantList&, int) {}
+#include "MyVariant.h"
+#include "MyVariantEx.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDate>
+#include <QtCore/QFile>
+#include <QtCore/QMap>
+#include <QtCore/QSet>
+#include <QtCore/QSharedPointer>
+#include <QtCore/QTextStream>
+#include <QtCore/QTime>
+#include <QtCore/QVector>
+#include <QtCore/QtNumeric>
+#include <QtQml/QJSEngine>
+#include <QtQml/QJSValue>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct ValuedItem
+{
+    QVariant value;
+    XOLATreeItem* item;
+};
+
+// The rows split into those with a value for the role, in row order, and those
+// without one, which always go last in their previous order.
+struct RoleValues
+{
+    QVector<ValuedItem> valued;
+    QList<XOLATreeItem*> invalid;
+};
+
+// Rows whose value equals an invalid variant go last.
+bool isInvalidValue(const QVariant& value)
+{
+    // A value of one of the ordered types never equals an invalid variant;
+    // only other types need QVariant's (costly) equality test.
+    return !value.isValid() || (!MyVariant::isComparableType(value.type()) && value == QVariant());
+}
+
+RoleValues readRoleValues(const QList<XOLATreeItem*>& items, int role)
+{
+    RoleValues result;
+    result.valued.reserve(items.size());
+    for (XOLATreeItem* item : items) {
+        const QVariant value = item ? item->getData(role) : QVariant();
+        if (isInvalidValue(value))
+            result.invalid.append(item);
+        else
+            result.valued.append({value, item});
+    }
+    return result;
+}
+
+// The general path: a real multi-insertion, which gives the required order for
+// any comparison, also one that contradicts itself.
+template <typename MakeKey>
+QList<XOLATreeItem*> multiInsertionOrder(const QVector<ValuedItem>& valued, MakeKey makeKey)
+{
+    QMultiMap<MyVariant, XOLATreeItem*> map;
+    for (const ValuedItem& entry : valued)
+        map.insert(makeKey(entry.value), entry.item);
+    return map.values();
+}
+
+// The same, reading each row's value just before placing it, for comparisons
+// that run the caller's code: whatever that code does, it sees the rows
+// exactly as a row-by-row insertion would show them.
+template <typename MakeKey>
+QList<XOLATreeItem*> rowByRowOrder(const QList<XOLATreeItem*> items, int role, MakeKey makeKey)
+{
+    QMultiMap<MyVariant, XOLATreeItem*> map;
+    QList<XOLATreeItem*> invalid;
+    for (XOLATreeItem* item : items) {
+        const QVariant value = item ? item->getData(role) : QVariant();
+        if (isInvalidValue(value))
+            invalid.append(item);
+        else
+            map.insert(makeKey(value), item);
+    }
+    return map.values() + invalid;
+}
+
+// For a comparison that is a strict weak order, multi-insertion places every new
+// key after the keys that precede it and, ascending, before the equal ones
+// (equal rows come out reversed) or, descending, after the equal ones (they keep
+// their order). A stable sort of the reversed input ascending, or of the input
+// descending, gives exactly that order.
+template <typename T, typename Extract, typename Less>
+QList<XOLATreeItem*> stableOrder(const QVector<ValuedItem>& valued, bool ascending, Extract extract, Less less)
+{
+    std::vector<std::pair<T, XOLATreeItem*>> entries;
+    entries.reserve(size_t(valued.size()));
+    if (ascending) {
+        for (int i = valued.size() - 1; i >= 0; --i)
+            entries.emplace_back(extract(valued.at(i).value), valued.at(i).item);
+        std::stable_sort(entries.begin(), entries.end(),
+                         [&less](const std::pair<T, XOLATreeItem*>& a, const std::pair<T, XOLATreeItem*>& b) {
+                             return less(a.first, b.first);
+                         });
+    } else {
+        for (const ValuedItem& entry : valued)
+            entries.emplace_back(extract(entry.value), entry.item);
+        std::stable_sort(entries.begin(), entries.end(),
+                         [&less](const std::pair<T, XOLATreeItem*>& a, const std::pair<T, XOLATreeItem*>& b) {
+                             return less(b.first, a.first);
+                         });
+    }
+    QList<XOLATreeItem*> result;
+    result.reserve(int(entries.size()));
+    for (const auto& entry : entries)
+        result.append(entry.second);
+    return result;
+}
+
+// The type shared by every value when the built-in comparison is a strict weak
+// order on them, or QVariant::Invalid when the rows need the general path
+// (mixed types, values without an order, NaN, date-times whose order depends on
+// time zones).
+QVariant::Type uniformOrderedType(const QVector<ValuedItem>& valued)
+{
+    if (valued.isEmpty())
+        return QVariant::Invalid;
+    const QVariant::Type type = valued.first().value.type();
+    switch (type) {
+    case QVariant::Bool:
+    case QVariant::Int:
+    case QVariant::UInt:
+    case QVariant::LongLong:
+    case QVariant::ULongLong:
+    case QVariant::Double:
+    case QVariant::Char:
+    case QVariant::String:
+    case QVariant::ByteArray:
+    case QVariant::Date:
+    case QVariant::Time:
+        break;
+    default:
+        return QVariant::Invalid;
+    }
+    for (const ValuedItem& entry : valued) {
+        if (entry.value.type() != type)
+            return QVariant::Invalid;
+        if (type == QVariant::Double && qIsNaN(entry.value.toDouble()))
+            return QVariant::Invalid;
+    }
+    return type;
+}
+
+// The order of the built-in, type-aware comparison.
+QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascending)
+{
+    switch (uniformOrderedType(valued)) {
+    case QVariant::Bool:
+        return stableOrder<bool>(valued, ascending, [](const QVariant& v) { return v.toBool(); },
+                                 [](bool a, bool b) { return !a && b; });
+    case QVariant::Int:
+        return stableOrder<int>(valued, ascending, [](const QVariant& v) { return v.toInt(); }, std::less<int>());
+    case QVariant::UInt:
+        return stableOrder<uint>(valued, ascending, [](const QVariant& v) { return v.toUInt(); }, std::less<uint>());
+    case QVariant::LongLong:
+        return stableOrder<qlonglong>(valued, ascending, [](const QVariant& v) { return v.toLongLong(); },
+                                      std::less<qlonglong>());
+    case QVariant::ULongLong:
+        return stableOrder<qulonglong>(valued, ascending, [](const QVariant& v) { return v.toULongLong(); },
+                                       std::less<qulonglong>());
+    case QVariant::Double:
+        return stableOrder<double>(valued, ascending, [](const QVariant& v) { return v.toDouble(); },
+                                   std::less<double>());
+    case QVariant::Char:
+        return stableOrder<QChar>(valued, ascending, [](const QVariant& v) { return v.toChar(); },
+                                  [](QChar a, QChar b) { return a < b; });
+    case QVariant::String:
+        return stableOrder<QString>(valued, ascending, [](const QVariant& v) { return v.toString(); },
+                                    [](const QString& a, const QString& b) { return a < b; });
+    case QVariant::ByteArray:
+        return stableOrder<QByteArray>(valued, ascending, [](const QVariant& v) { return v.toByteArray(); },
+                                       [](const QByteArray& a, const QByteArray& b) { return qstrcmp(a, b) < 0; });
+    case QVariant::Date:
+        return stableOrder<QDate>(valued, ascending, [](const QVariant& v) { return v.toDate(); },
+                                  [](const QDate& a, const QDate& b) { return a < b; });
+    case QVariant::Time:
+        return stableOrder<QTime>(valued, ascending, [](const QVariant& v) { return v.toTime(); },
+                                  [](const QTime& a, const QTime& b) { return a < b; });
+    default:
+        return multiInsertionOrder(valued, [ascending](const QVariant& v) {
+            return MyVariant(v, ascending, PF_LESS_THAN());
+        });
+    }
+}
+
+// Models whose child models are being sorted right now, so that a tree that
+// leads back to one of its own models does not recurse forever.
+QSet<const QObject*>& modelsSortingChildren()
+{
+    thread_local QSet<const QObject*> models;
+    return models;
+}
+
+class SortingChildrenScope
+{
+public:
+    explicit SortingChildrenScope(const QObject* model)
+        : m_model(model)
+        , m_entered(!modelsSortingChildren().contains(model))
+    {
+        if (m_entered)
+            modelsSortingChildren().insert(m_model);
+    }
+    ~SortingChildrenScope()
+    {
+        if (m_entered)
+            modelsSortingChildren().remove(m_model);
+    }
+    SortingChildrenScope(const SortingChildrenScope&) = delete;
+    SortingChildrenScope& operator=(const SortingChildrenScope&) = delete;
+
+private:
+    const QObject* m_model;
+    bool m_entered;
+};
+
+} // namespace
+
+// ---- by role ------------------------------------------------------------------
+
+void XOLATreeModel::SortByRole(int role, bool ascending, PF_LESS_THAN pfLessThan)
+{
+    if (m_items.isEmpty())
+        return;
+    if (pfLessThan) {
+        m_items = rowByRowOrder(m_items, role, [ascending, &pfLessThan](const QVariant& v) {
+            return MyVariant(v, ascending, pfLessThan);
+        });
+    } else {
+        const RoleValues values = readRoleValues(m_items, role);
+        m_items = builtInOrder(values.valued, ascending) + values.invalid;
+    }
+    itemsReordered();
+    // Rows are rebuilt, not moved: views re-read every row.
+    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
+    m_sortFlag = None;
+}
+
+void XOLATreeModel::SortByRole(const QString& roleName, bool ascending, PF_LESS_THAN pfLessThan)
+{
+    SortByRole(roleForName(roleName), ascending, std::move(pfLessThan));
+}
+
+void XOLATreeModel::SortByRoleAndKeep(int role, bool ascending, PF_LESS_THAN pfLessThan)
+{
+    SortByRole(role, ascending, std::move(pfLessThan));
+    m_sortFlag = KeepSorting;
+    // Later re-sorts go by this rule alone; the caller's function is not kept.
+    QVariantMap rule;
+    rule.insert(QStringLiteral("RoleName"), QVariant(roleNames().value(role)));
+    rule.insert(QStringLiteral("Ascending"), ascending);
+    m_sortRules.clear();
+    m_sortRules.append(rule);
+}
+
+void XOLATreeModel::SortByRoleAndKeep(const QString& roleName, bool ascending, PF_LESS_THAN pfLessThan)
+{
+    SortByRoleAndKeep(roleForName(roleName), ascending, std::move(pfLessThan));
+}
+
+// ---- by a QML or script function ----------------------------------------------------
+
+void XOLATreeModel::SortByRoleByQMLFunction(int role, bool ascending, QString fileName, QString compareFunctionName)
+{
+    if (fileName.isEmpty() || compareFunctionName.isEmpty())
+        return;
+    QQmlEngine engine;
+    // Problems in the caller's file are not reported; the sort goes on.
+    engine.setOutputWarningsToStandardError(false);
+    QQmlComponent component(&engine, fileName);
+    // A file that cannot be loaded leaves no object, and the rows are then
+    // compared by the built-in comparison.
+    QObject* object = component.isReady() ? component.create() : nullptr;
+
+    if (object) {
+        m_items = rowByRowOrder(m_items, role, [&](const QVariant& v) {
+            return MyVariant(v, ascending, object, compareFunctionName);
+        });
+    } else {
+        const RoleValues values = readRoleValues(m_items, role);
+        m_items = builtInOrder(values.valued, ascending) + values.invalid;
+    }
+    itemsReordered();
+    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
+    // Sent without layoutAboutToBeChanged: hosts written for this model re-read
+    // the rows on layoutChanged alone.
+    emit layoutChanged(QList<QPersistentModelIndex>(), QAbstractItemModel::NoLayoutChangeHint);
+
+    delete object;
+}
+
+void XOLATreeModel::SortByRoleByQMLFunction(const QString& roleName, bool ascending, QString fileName,
+                                            QString compareFunctionName)
+{
+    SortByRoleByQMLFunction(roleForName(roleName), ascending, fileName, compareFunctionName);
+}
+
+void XOLATreeModel::SortByRoleByScriptFunction(int role, bool ascending, QString fileName, QString compareFunctionName)
+{
+    if (fileName.isEmpty() || compareFunctionName.isEmpty())
+        return;
+    QJSEngine engine;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    QTextStream stream(&file);
+    const QString program = stream.readAll();
+    file.close();
+    // Errors in the script are not reported: the function lookup decides.
+    engine.evaluate(program, fileName, 1);
+    QJSValue function = engine.globalObject().property(compareFunctionName);
+    if (function.isError())
+        return;
+
+    m_items = rowByRowOrder(m_items, role,
+                            [&](const QVariant& v) { return MyVariant(v, ascending, &engine, &function); });
+    itemsReordered();
+    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
+    emit layoutChanged(QList<QPersistentModelIndex>(), QAbstractItemModel::NoLayoutChangeHint);
+    // A reset end without a begin: existing hosts refresh their delegates on
+    // modelReset after a script sort.
+    endResetModel();
+}
+
+void XOLATreeModel::SortByRoleByScriptFunction(const QString& roleName, bool ascending, QString fileName,
+                                               QString compareFunctionName)
+{
+    SortByRoleByScriptFunction(roleForName(roleName), ascending, fileName, compareFunctionName);
+}
+
+// ---- by rules ---------------------------------------------------------------------
+
+void XOLATreeModel::SortByRules(const QVariantList& rules, int flag)
+{
+    m_sortFlag = flag;
+    if (!m_sortRules.isSharedWith(rules))
+        m_sortRules = rules;
+
+    const QHash<int, QByteArray> names = roleNames();
+    const QSharedPointer<const MyVariantEx::ResolvedRules> resolved(
+        new MyVariantEx::ResolvedRules(MyVariantEx::resolveRules(rules, names)));
+    // With removed items left alive the children belong to the host, which
+    // sorts them itself.
+    const bool sortChildren = flag == RecursiveKeepSorting && !keepsRemovedItems();
+    SortingChildrenScope scope(this);
+
+    // QVariant's own ordering is not consistent for strings, so the rows always
+    // go through a real multi-insertion here.
+    QMultiMap<MyVariantEx, XOLATreeItem*> map;
+    const QList<XOLATreeItem*> items = m_items;
+    for (XOLATreeItem* item : items) {
+        QObject* childModel = item ? item->childModel() : nullptr;
+        if (sortChildren && childModel && !modelsSortingChildren().contains(childModel)) {
+            if (auto* child = qobject_cast<IXOLATreeModel*>(childModel))
+                child->SortByRules(m_sortRules, RecursiveKeepSorting);
+        }
+        map.insert(MyVariantEx(item, rules, names, resolved), item);
+    }
+    m_items = map.values();
+    itemsReordered();
+    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
+}

@@ -1,34 +1,485 @@
 #include "FilterModelImp.h"
 
-// Placeholder bodies; filled in by the filter work.
-FilterModelImp::FilterModelImp(IXOLATreeModel* source, const QList<QVariant>& filterRules, bool orAllRules, int newItemPos)
-    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(), 3, nullptr, nullptr)
-    , m_sourceModel(source), m_filterRules(filterRules), m_orAllRules(orAllRules), m_newItemPos(newItemPos) {}
+#include "FilterRules.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QMetaType>
+#include <QtCore/QVector>
+#include <QtQml/QJSValue>
+
+namespace {
+const QString kRuleKey = QStringLiteral("Rule");
+
+// Counts the rows taken out so far, by the row they held before, so that the
+// current row of any later one is found in logarithmic time.
+class RemovedRows
+{
+public:
+    explicit RemovedRows(int rowCount)
+        : m_tree(rowCount + 1, 0)
+    {
+    }
+    void mark(int row)
+    {
+        for (int i = row + 1; i < m_tree.size(); i += i & -i)
+            ++m_tree[i];
+    }
+    //! How many marked rows lay before row.
+    int before(int row) const
+    {
+        int count = 0;
+        for (int i = row; i > 0; i -= i & -i)
+            count += m_tree.at(i);
+        return count;
+    }
+
+private:
+    QVector<int> m_tree;
+};
+
+void registerChildViewType()
+{
+    // Child views travel through data() as QVariants.
+    static const int typeId = qRegisterMetaType<IXOLATreeModel*>();
+    Q_UNUSED(typeId)
+}
+} // namespace
+
+// ---- construction -------------------------------------------------------------
+
+// Option bits 3: the QML engine owns the view, and the items it drops stay alive
+// because they belong to the source.
+FilterModelImp::FilterModelImp(IXOLATreeModel* source, const QList<QVariant>& filterRules, bool orAllRules,
+                               int newItemPos)
+    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(),
+                    JavaScriptOwnershipOption | KeepRemovedItemsOption, PF_COPY_ITEM(), PF_MATCH_ITEM())
+    , m_sourceModel(source)
+    , m_filterRules(filterRules)
+    , m_orAllRules(orAllRules)
+    , m_newItemPos(newItemPos)
+{
+    Initial();
+}
+
 FilterModelImp::FilterModelImp(IXOLATreeModel* source, PF_MATCH_ITEM rule, const QVariant& ruleValue, int newItemPos)
-    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(), 3, nullptr, nullptr)
-    , m_sourceModel(source), m_ruleValue(ruleValue), m_userDefinedRule(rule), m_newItemPos(newItemPos) {}
-FilterModelImp::~FilterModelImp() = default;
-QVariant FilterModelImp::data(const QModelIndex& index, int role) const { return XOLATreeModel::data(index, role); }
-QString FilterModelImp::FindItemID(int row) const { return XOLATreeModel::FindItemID(row); }
-int FilterModelImp::FindItemRow(const QString& id) const { return XOLATreeModel::FindItemRow(id); }
-QVariant FilterModelImp::FindItemValue(int row, int role) const { return XOLATreeModel::FindItemValue(row, role); }
-QVariant FilterModelImp::FindItemValue(int row, const QString& roleName) const { return XOLATreeModel::FindItemValue(row, roleName); }
-QVariant FilterModelImp::FindItemValue(const QString& id, int role) const { return XOLATreeModel::FindItemValue(id, role); }
-QVariant FilterModelImp::FindItemValue(const QString& id, const QString& roleName) const { return XOLATreeModel::FindItemValue(id, roleName); }
-QVariant FilterModelImp::FindItemValueEx(const QString& id, int role, bool f) const { return XOLATreeModel::FindItemValueEx(id, role, f); }
-QVariant FilterModelImp::FindItemValueEx(const QString& id, const QString& roleName, bool f) const { return XOLATreeModel::FindItemValueEx(id, roleName, f); }
-QObject* FilterModelImp::FindItem(int row) const { return XOLATreeModel::FindItem(row); }
-QObject* FilterModelImp::FindItem(const QString& id, bool f) const { return XOLATreeModel::FindItem(id, f); }
-bool FilterModelImp::UpdateFilterRules(QVariantList, bool) { return false; }
-bool FilterModelImp::UpdateUserDefinedFilterRules(QVariant) { return false; }
-bool FilterModelImp::MatchRule(const XOLATreeItem*, const QList<QVariant>&, bool) { return false; }
-bool FilterModelImp::IsMatchRule(const XOLATreeItem*) { return false; }
-bool FilterModelImp::ReGenFilterModel() { return false; }
-QObject* FilterModelImp::FindChildModel(XOLATreeItem*) const { return nullptr; }
-void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex&, const QModelIndex&) {}
-void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex&, int, int) {}
-void FilterModelImp::SourceModelItemRemovedHandler(const QString&) {}
-void FilterModelImp::SourceModelItemsRemovedHandler(const QStringList&) {}
-void FilterModelImp::SourceModelAllItemRemovedHandler() {}
-void FilterModelImp::ChildModelValueChangedHandler() {}
-void FilterModelImp::Initial() {}
+    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(),
+                    JavaScriptOwnershipOption | KeepRemovedItemsOption, PF_COPY_ITEM(), PF_MATCH_ITEM())
+    , m_sourceModel(source)
+    , m_ruleValue(plainRuleValue(ruleValue))
+    , m_orAllRules(false)
+    , m_userDefinedRule(std::move(rule))
+    , m_newItemPos(newItemPos)
+{
+    Initial();
+}
+
+FilterModelImp::~FilterModelImp()
+{
+    // The base destructor empties the view; the items belong to the source and
+    // are left alone (option bit 2).
+    m_userDefinedRule = PF_MATCH_ITEM();
+    m_ruleValue = QVariant();
+    m_filterRules.clear();
+}
+
+void FilterModelImp::Initial()
+{
+    IXOLATreeModel* source = m_sourceModel.data();
+    if (!source)
+        return;
+    // String signatures, in this order: hosts that subclass the source may
+    // re-declare these signals. Row removals arrive as id lists through
+    // itemsRemoved, so rowsRemoved is deliberately not followed.
+    connect(source, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
+    connect(source, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
+            this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
+    connect(source, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
+            this, SLOT(SourceModelItemAddedHandler(const QModelIndex &, int, int)));
+    connect(source, SIGNAL(itemsRemoved(const QStringList &)), this, SLOT(SourceModelItemsRemovedHandler(const QStringList &)));
+    connect(source, SIGNAL(allItemRemoved()), this, SLOT(SourceModelAllItemRemovedHandler()));
+    connect(source, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+
+    if (QList<XOLATreeItem*>* sourceItems = source->GetModelItemList()) {
+        for (XOLATreeItem* item : qAsConst(*sourceItems)) {
+            if (item)
+                connect(item, SIGNAL(childModelValueChanged()), this, SLOT(ChildModelValueChangedHandler()),
+                        Qt::UniqueConnection);
+        }
+    }
+    ReGenFilterModel();
+}
+
+// ---- helpers -----------------------------------------------------------------------
+
+void FilterModelImp::dropValueConnection(XOLATreeItem* item)
+{
+    if (item)
+        disconnect(item, SIGNAL(valueChanged()), this, SLOT(EmitValueChange()));
+}
+
+void FilterModelImp::removeListedRow(int row)
+{
+    XOLATreeItem* item = m_items.at(row);
+    const QString id = item->id();
+    // Exactly what RemoveOne(id) does for a view, which keeps its items alive,
+    // without searching for the row again.
+    beginRemoveRows(QModelIndex(), row, row);
+    m_items.removeAt(row);
+    m_itemMap.remove(id);
+    itemsReordered();
+    endRemoveRows();
+    emit itemsRemoved(QStringList{id});
+    emit rowCountChanged();
+}
+
+bool FilterModelImp::isListedBySource(const XOLATreeItem* item) const
+{
+    // An item the source has let go of (Remove by id list keeps it alive) may
+    // still signal; it must not come back into the view.
+    IXOLATreeModel* source = m_sourceModel.data();
+    return source && item && source->FindItem(item->id(), false) == item;
+}
+
+QVariant FilterModelImp::plainRuleValue(const QVariant& value)
+{
+    // QML hands JavaScript objects and arrays over as QJSValues; they are kept as
+    // the equivalent QVariantMap / QVariantList so that the predicate always sees
+    // plain values and an equal object given again is recognised as equal.
+    // Functions have no plain form and are kept as they are. Values from native
+    // callers (a QVariantMap, a string...) are already plain and stay unchanged.
+    if (value.userType() != qMetaTypeId<QJSValue>())
+        return value;
+    const QJSValue script = value.value<QJSValue>();
+    if (script.isCallable())
+        return value;
+    return script.toVariant();
+}
+
+// ---- rules -------------------------------------------------------------------------
+
+bool FilterModelImp::MatchRule(const XOLATreeItem* item, const QList<QVariant>& rules, bool orAllRules)
+{
+    if (rules.isEmpty())
+        return true;
+    if (!item)
+        return false;
+    bool result = false;
+    for (const QVariant& entry : rules) {
+        const QVariantMap rule = entry.toMap();
+        // A map naming one operator is the single-comparison format, whatever else it holds.
+        result = rule.contains(kRuleKey) ? DoCheckWithVersionOne(item, rule) : DoCheckWithVersionTwo(item, rule);
+        if (result == orAllRules)
+            break;
+    }
+    if (result)
+        return true;
+
+    // A parent stays visible while any of its descendants passes.
+    auto* child = qobject_cast<IXOLATreeModel*>(item->childModel());
+    if (!child || child->rowCount() < 1 || m_descentPath.contains(child))
+        return false;
+    m_descentPath.insert(child);
+    bool descendantPasses = false;
+    for (int row = 0; row < child->rowCount() && !descendantPasses; ++row) {
+        auto* childItem = qobject_cast<XOLATreeItem*>(child->FindItem(row));
+        if (!childItem)
+            continue;
+        descendantPasses = m_userDefinedRule ? m_userDefinedRule(childItem, m_ruleValue)
+                                             : MatchRule(childItem, m_filterRules, m_orAllRules);
+    }
+    m_descentPath.remove(child);
+    return descendantPasses;
+}
+
+bool FilterModelImp::IsMatchRule(const XOLATreeItem* item)
+{
+    if (m_userDefinedRule)
+        return m_userDefinedRule(item, m_ruleValue);
+    return MatchRule(item, m_filterRules, m_orAllRules);
+}
+
+bool FilterModelImp::ReGenFilterModel()
+{
+    IXOLATreeModel* source = m_sourceModel.data();
+    if (!source)
+        return false;
+    QList<XOLATreeItem*> passing;
+    for (int row = 0; row < source->rowCount(); ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
+        if (item && IsMatchRule(item))
+            passing << item;
+    }
+    for (XOLATreeItem* item : qAsConst(m_items))
+        dropValueConnection(item);
+    for (XOLATreeItem* item : qAsConst(passing))
+        dropValueConnection(item);
+    const bool result = ReplaceItemsList(passing);
+    emit filterModelChanged();
+    return result;
+}
+
+bool FilterModelImp::UpdateFilterRules(QVariantList filterRules, bool orAllRules)
+{
+    // The same rules again: hosts call this from bindings, and a rebuild would
+    // reset every delegate.
+    if (filterRules == m_filterRules && orAllRules == m_orAllRules)
+        return true;
+    m_filterRules = filterRules;
+    m_orAllRules = orAllRules;
+    return ReGenFilterModel();
+}
+
+bool FilterModelImp::UpdateUserDefinedFilterRules(QVariant filterRules)
+{
+    const QVariant value = plainRuleValue(filterRules);
+    if (value == m_ruleValue)
+        return true;
+    m_ruleValue = value;
+    return ReGenFilterModel();
+}
+
+// ---- read access -----------------------------------------------------------------------
+
+QVariant FilterModelImp::data(const QModelIndex& index, int role) const
+{
+    if (!m_sourceModel)
+        return QVariant();
+    const int row = index.row();
+    if (row < 0 || row >= m_items.size())
+        return QVariant();
+    XOLATreeItem* item = m_items.at(row);
+    if (!item)
+        return QVariant();
+    if (role != XOLATreeItem::ChildModelRole)
+        return item->getData(role);
+    // A child shows the same filter as its parent view; every read makes a new
+    // child view, which the QML engine collects once unreferenced.
+    QObject* childView = FindChildModel(item);
+    return childView ? QVariant::fromValue(childView) : QVariant();
+}
+
+QObject* FilterModelImp::FindChildModel(XOLATreeItem* item) const
+{
+    if (!item)
+        return nullptr;
+    auto* child = qobject_cast<IXOLATreeModel*>(item->childModel());
+    if (!child)
+        return nullptr;
+    registerChildViewType();
+    // New child rows always go to the tail, whatever this view does.
+    return qobject_cast<IXOLATreeModel*>(child->GetFilterModel(m_filterRules, m_orAllRules, POS_TAIL));
+}
+
+// The Find family answers from the view's own rows and id map, not from the source.
+
+QObject* FilterModelImp::FindItem(int row) const
+{
+    return XOLATreeModel::FindItem(row);
+}
+
+QObject* FilterModelImp::FindItem(const QString& id, bool includeChildModel) const
+{
+    return XOLATreeModel::FindItem(id, includeChildModel);
+}
+
+QString FilterModelImp::FindItemID(int row) const
+{
+    auto* item = qobject_cast<XOLATreeItem*>(FindItem(row));
+    return item ? item->id() : QString();
+}
+
+int FilterModelImp::FindItemRow(const QString& id) const
+{
+    for (int row = 0; row < m_items.size(); ++row) {
+        const XOLATreeItem* item = m_items.at(row);
+        if (item && item->id() == id)
+            return row;
+    }
+    return -1;
+}
+
+namespace {
+template <typename Key>
+QVariant itemValue(const QObject* object, const Key& role)
+{
+    auto* item = qobject_cast<const XOLATreeItem*>(object);
+    return item ? item->getData(role) : QVariant();
+}
+} // namespace
+
+QVariant FilterModelImp::FindItemValue(int row, int role) const
+{
+    return itemValue(FindItem(row), role);
+}
+
+QVariant FilterModelImp::FindItemValue(int row, const QString& roleName) const
+{
+    return itemValue(FindItem(row), roleName);
+}
+
+QVariant FilterModelImp::FindItemValue(const QString& id, int role) const
+{
+    return itemValue(FindItem(id, false), role);
+}
+
+QVariant FilterModelImp::FindItemValue(const QString& id, const QString& roleName) const
+{
+    return itemValue(FindItem(id, false), roleName);
+}
+
+QVariant FilterModelImp::FindItemValueEx(const QString& id, int role, bool includeChildModel) const
+{
+    return itemValue(FindItem(id, includeChildModel), role);
+}
+
+QVariant FilterModelImp::FindItemValueEx(const QString& id, const QString& roleName, bool includeChildModel) const
+{
+    return itemValue(FindItem(id, includeChildModel), roleName);
+}
+
+// ---- following the source --------------------------------------------------------------
+
+void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    IXOLATreeModel* source = m_sourceModel.data();
+    if (!source)
+        return;
+    // The view's ids before the change, hashed with the row each held: a change
+    // over the whole source costs one lookup per row. An id listed twice maps
+    // to -1 and is removed the slow way.
+    QHash<QString, int> listedRows;
+    listedRows.reserve(m_items.size());
+    for (int row = 0; row < m_items.size(); ++row) {
+        const XOLATreeItem* item = m_items.at(row);
+        if (!item)
+            continue;
+        auto it = listedRows.find(item->id());
+        if (it == listedRows.end())
+            listedRows.insert(item->id(), row);
+        else
+            it.value() = -1;
+    }
+    RemovedRows removedRows(m_items.size());
+    // Cleared once the rows no longer match the snapshot minus the rows taken
+    // out (a listener changed the view meanwhile); then every removal searches.
+    bool rowsKnown = true;
+    bool wholeView = true;
+    QList<XOLATreeItem*> entering;
+
+    const int first = qMax(0, topLeft.row());
+    const int last = qMin(bottomRight.row(), source->rowCount() - 1);
+    for (int row = first; row <= last; ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
+        if (!item)
+            continue;
+        const QString id = item->id();
+        const bool passes = IsMatchRule(item);
+        const auto listed = listedRows.constFind(id);
+        if (passes && listed == listedRows.constEnd()) {
+            entering << item;
+        } else if (passes) {
+            // Its own valueChanged() connection already reports its row.
+            wholeView = false;
+        } else if (listed != listedRows.constEnd()) {
+            const int oldRow = listed.value();
+            const int viewRow = rowsKnown && oldRow >= 0 ? oldRow - removedRows.before(oldRow) : -1;
+            if (viewRow >= 0 && viewRow < m_items.size() && m_items.at(viewRow) == m_itemMap.value(id)) {
+                removeListedRow(viewRow);
+                removedRows.mark(oldRow);
+            } else if (RemoveOne(id)) {
+                rowsKnown = false;
+            }
+        }
+    }
+
+    if (!entering.isEmpty()) {
+        // Entering items join at the end, whatever the new-item position says.
+        // They are listed after the removals above, so that every removal
+        // notice describes exactly the rows the view has announced.
+        const int firstNew = m_items.size();
+        for (XOLATreeItem* item : qAsConst(entering)) {
+            dropValueConnection(item);
+            connect(item, SIGNAL(valueChanged()), this, SLOT(EmitValueChange()));
+            m_items.append(item);
+            m_itemMap.insert(item->id(), item);
+        }
+        itemsReordered();
+        // Announced once the rows are in place, as the bulk loaders do.
+        beginInsertRows(QModelIndex(), firstNew, m_items.size() - 1);
+        endInsertRows();
+    }
+
+    if (m_sortFlag != None)
+        KeepSortingCheck();
+    else if (wholeView && !m_items.isEmpty())
+        emit dataChanged(index(0, 0), index(m_items.size() - 1, 0));
+}
+
+void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, int start, int end)
+{
+    IXOLATreeModel* source = m_sourceModel.data();
+    if (!source)
+        return;
+    QList<XOLATreeItem*> passing;
+    for (int row = start; row <= end; ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
+        if (!item)
+            continue;
+        connect(item, SIGNAL(childModelValueChanged()), this, SLOT(ChildModelValueChangedHandler()),
+                Qt::UniqueConnection);
+        // A row announced at the old end while the item went to the front (a
+        // single prepend) names an item this view may already list; listing it
+        // twice would leave a row behind when the source later drops the item.
+        if (rowOfItem(item) >= 0)
+            continue;
+        if (IsMatchRule(item))
+            passing << item;
+    }
+    if (passing.isEmpty())
+        return;
+    for (XOLATreeItem* item : qAsConst(passing))
+        dropValueConnection(item);
+    if (m_newItemPos == POS_HEAD)
+        PrependItemsList(passing);
+    else if (m_newItemPos == POS_TAIL)
+        AppendItemsList(passing);
+    // Any other position drops the new items.
+}
+
+void FilterModelImp::SourceModelItemRemovedHandler(const QString& id)
+{
+    if (m_sourceModel)
+        RemoveOne(id);
+}
+
+void FilterModelImp::SourceModelItemsRemovedHandler(const QStringList& idList)
+{
+    if (m_sourceModel)
+        Remove(idList);
+}
+
+void FilterModelImp::SourceModelAllItemRemovedHandler()
+{
+    RemoveAll();
+}
+
+void FilterModelImp::ChildModelValueChangedHandler()
+{
+    auto* item = qobject_cast<XOLATreeItem*>(sender());
+    if (!item || !m_sourceModel)
+        return;
+    if (!isListedBySource(item)) {
+        if (rowOfItem(item) >= 0)
+            RemoveOne(item->id());
+        return;
+    }
+    if (!IsMatchRule(item)) {
+        RemoveOne(item->id());
+        return;
+    }
+    if (rowOfItem(item) < 0) {
+        // Joins at the end, whatever the new-item position says.
+        dropValueConnection(item);
+        AppendItem(item);
+    }
+}

@@ -60,6 +60,8 @@ private:
     //! The view's own connection from an item's valueChanged() is made anew each
     //! time the item enters, so that every change reports its row exactly once.
     void dropValueConnection(XOLATreeItem* item);
+    //! Takes one row out with the notices RemoveOne(id) sends for a view.
+    void removeListedRow(int row);
     //! True while the item is one of the source's rows.
     bool isListedBySource(const XOLATreeItem* item) const;
     //! Plain variants for QML objects and arrays; everything else unchanged.

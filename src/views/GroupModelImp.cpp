@@ -1,19 +1,222 @@
 #include "GroupModelImp.h"
 
-// Placeholder bodies; filled in by the group work.
+#include <QtCore/QHash>
+
 GroupModelImp::GroupModelImp(IXOLATreeModel* source, int role, bool keepSortWithSource)
-    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(), 1, nullptr, nullptr)
-    , m_sourceModel(source), m_keepSortWithSource(keepSortWithSource) { Q_UNUSED(role) }
-GroupModelImp::~GroupModelImp() = default;
-bool GroupModelImp::UpdateGroupRole(int) { return false; }
-bool GroupModelImp::UpdateGroupRole(const QString&) { return false; }
-QObject* GroupModelImp::GetGroupChildModel(const QString&) { return nullptr; }
-bool GroupModelImp::AddOneToGroupChildModel(int, const QString&, XOLATreeItem*) { return false; }
-bool GroupModelImp::RemoveOneFromGroupChildModel(int, const QString&, const QString&) { return false; }
-void GroupModelImp::GenGroupModel(int) {}
-void GroupModelImp::SourceModelDataChangedHandler(const QModelIndex&, const QModelIndex&) {}
-void GroupModelImp::SourceModelItemAddedHandler(const QModelIndex&, int, int) {}
-void GroupModelImp::SourceModelItemRemovedHandler(const QModelIndex&, int, int) {}
-void GroupModelImp::SourceModelAllItemRemovedHandler() {}
-XOLATreeModel* GroupModelImp::newMemberModel() { return nullptr; }
-XOLATreeModel* GroupModelImp::memberModelOf(const QString&) const { return nullptr; }
+    // Option 1 only: the QML engine owns the view, and group items leaving it are
+    // disposed of together with their member models.
+    : XOLATreeModel(nullptr, source ? source->roleNames() : QHash<int, QByteArray>(), JavaScriptOwnershipOption,
+                    nullptr, nullptr)
+    , m_sourceModel(source)
+    , m_keepSortWithSource(keepSortWithSource)
+    , m_groupRole(-1)
+{
+    if (source) {
+        connect(source, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
+        connect(source, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
+                this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
+        connect(source, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
+                this, SLOT(SourceModelItemAddedHandler(const QModelIndex &, int, int)));
+        connect(source, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
+                this, SLOT(SourceModelItemRemovedHandler(const QModelIndex &, int, int)));
+        connect(source, SIGNAL(allItemRemoved()), this, SLOT(SourceModelAllItemRemovedHandler()));
+        connect(source, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+    }
+    UpdateGroupRole(role);
+}
+
+GroupModelImp::~GroupModelImp()
+{
+    m_rowGroups.clear();
+}
+
+bool GroupModelImp::UpdateGroupRole(int role)
+{
+    if (!m_sourceModel)
+        return false;
+    if (role != m_groupRole)
+        GenGroupModel(role);
+    return true;
+}
+
+bool GroupModelImp::UpdateGroupRole(const QString& roleName)
+{
+    if (!m_sourceModel)
+        return false;
+    const QHash<int, QByteArray> names = m_sourceModel->roleNames();
+    const QByteArray wanted = roleName.toLatin1();
+    // An unknown name groups by role 0 (every item in the "" group) rather than
+    // failing: QML callers never check the result.
+    int role = 0;
+    for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
+        if (it.value() == wanted) {
+            role = it.key();
+            break;
+        }
+    }
+    return UpdateGroupRole(role);
+}
+
+XOLATreeModel* GroupModelImp::newMemberModel()
+{
+    // Members belong to the source, so they stay alive when they leave a group
+    // (option 2). The view is the QObject parent so that member models of groups
+    // still listed go with the view; a group leaving the view takes its member
+    // model with it anyway.
+    return new XOLATreeModel(this, m_sourceModel->roleNames(), KeepRemovedItemsOption, nullptr, nullptr);
+}
+
+XOLATreeModel* GroupModelImp::memberModelOf(const QString& key) const
+{
+    const QVariant child = FindItemValue(key, int(XOLATreeItem::ChildModelRole));
+    return qobject_cast<XOLATreeModel*>(child.value<QObject*>());
+}
+
+QObject* GroupModelImp::GetGroupChildModel(const QString& key)
+{
+    if (XOLATreeModel* member = memberModelOf(key))
+        return member;
+    if (!m_sourceModel)
+        return nullptr;
+    XOLATreeModel* member = newMemberModel();
+    AppendItem(new XOLATreeItem(key, key, member));
+    return member;
+}
+
+bool GroupModelImp::AddOneToGroupChildModel(int sourceRow, const QString& key, XOLATreeItem* item)
+{
+    if (!item)
+        return false;
+    auto* member = qobject_cast<XOLATreeModel*>(GetGroupChildModel(key));
+    if (!member)
+        return false;
+    member->AppendItem(item);
+    m_rowGroups.insert(sourceRow, qMakePair(item->id(), QVariant(key)));
+    return true;
+}
+
+bool GroupModelImp::RemoveOneFromGroupChildModel(int sourceRow, const QString& key, const QString& itemId)
+{
+    if (!FindItem(key, false))
+        return false;
+    if (XOLATreeModel* member = memberModelOf(key)) {
+        member->RemoveOne(itemId);
+        if (member->rowCount() == 0)
+            RemoveOne(key);
+    }
+    m_rowGroups.remove(sourceRow);
+    return true;
+}
+
+void GroupModelImp::GenGroupModel(int role)
+{
+    m_groupRole = role;
+    RemoveAll();
+    m_rowGroups.clear();
+    if (!m_sourceModel)
+        return;
+
+    // Keyed lookup while building: a source with many keys must not cost a scan
+    // of the groups per item.
+    QHash<QString, XOLATreeModel*> members;
+    QList<XOLATreeItem*> groups;
+    for (int row = 0; row < m_sourceModel->rowCount(); ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
+        if (!item)
+            continue;
+        const QString key = item->getData(role).toString();
+        XOLATreeModel*& member = members[key];
+        if (!member) {
+            member = newMemberModel();
+            groups << new XOLATreeItem(key, key, member);
+        }
+        member->AppendItem(item);
+        // Rows arrive in ascending order: appending at the end is the cheap insert.
+        m_rowGroups.insert(m_rowGroups.constEnd(), row, qMakePair(item->id(), QVariant(key)));
+    }
+    // One notice for all groups, in order of first appearance of their key.
+    AppendItemsList(groups);
+}
+
+void GroupModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    if (!m_sourceModel || topLeft.row() < 0 || bottomRight.row() < 0)
+        return;
+    if (m_keepSortWithSource) {
+        GenGroupModel(m_groupRole);
+        return;
+    }
+    for (int row = topLeft.row(); row <= bottomRight.row(); ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
+        if (!item)
+            continue;
+        const QString newKey = item->getData(m_groupRole).toString();
+        const auto recorded = m_rowGroups.constFind(row);
+        if (recorded != m_rowGroups.constEnd()) {
+            const QString oldKey = recorded->second.toString();
+            if (oldKey == newKey)
+                continue;
+            // The recorded id is the one the member model knows the item by.
+            RemoveOneFromGroupChildModel(row, oldKey, recorded->first);
+        }
+        // The item goes to the end of its new group, which is created at the
+        // end of the view if needed.
+        AddOneToGroupChildModel(row, newKey, item);
+    }
+}
+
+void GroupModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, int start, int end)
+{
+    if (!m_sourceModel)
+        return;
+    if (m_keepSortWithSource) {
+        GenGroupModel(m_groupRole);
+        return;
+    }
+    if (start < 0 || end < 0)
+        return;
+    // Recorded rows after the insertion point are deliberately not renumbered;
+    // hosts that need exact groups under insertions in the middle keep the
+    // source's order, which rebuilds.
+    for (int row = start; row <= end; ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
+        if (!item)
+            continue;
+        AddOneToGroupChildModel(row, item->getData(m_groupRole).toString(), item);
+    }
+}
+
+void GroupModelImp::SourceModelItemRemovedHandler(const QModelIndex& /*parent*/, int start, int end)
+{
+    if (start < 0 || end < 0 || !m_sourceModel || start > end)
+        return;
+    if (m_keepSortWithSource) {
+        // Rebuilding keeps the recorded rows exact for the next removal.
+        GenGroupModel(m_groupRole);
+        return;
+    }
+    // Only recorded rows are visited, so a wide removal over few records is cheap.
+    QList<QPair<int, QPair<QString, QVariant>>> removed;
+    for (auto it = m_rowGroups.lowerBound(start); it != m_rowGroups.end() && it.key() <= end; ++it)
+        removed << qMakePair(it.key(), it.value());
+    for (const auto& entry : qAsConst(removed)) {
+        const QString key = entry.second.second.toString();
+        if (FindItem(key, false)) {
+            if (XOLATreeModel* member = memberModelOf(key)) {
+                member->RemoveOne(entry.second.first);
+                if (member->rowCount() == 0)
+                    RemoveOne(key);
+            }
+        }
+        // Rows after the removed block keep their numbers, as on insertion.
+        m_rowGroups.remove(entry.first);
+    }
+}
+
+void GroupModelImp::SourceModelAllItemRemovedHandler()
+{
+    if (!m_sourceModel)
+        return;
+    // The recorded rows are left to the next rebuild, which starts afresh.
+    RemoveAll();
+}

@@ -50,6 +50,7 @@ public slots:
 
 private:
     void adjustAnnouncedRowCount();
+    void emitWholePageChanged();
 
     QPointer<IXOLATreeModel> m_sourceModel;
     unsigned int m_numPerPage = 0;

@@ -89,7 +89,8 @@ void PartialModel::SetFirstPartialModelRow(int row)
         row = model->rowCount() - 1;
     m_firstRow = row < 0 ? 0 : row;
     const int now = shown();
-    emit dataChanged(index(0), index(now < 1 ? 0 : now - 1));
+    // Row 0 is named even when nothing is shown.
+    emit dataChanged(createIndex(0, 0), createIndex(now < 1 ? 0 : now - 1, 0));
     const int newShown = shown();
     if (newShown == oldShown)
         return;
@@ -138,10 +139,11 @@ void PartialModel::SourceModelDataChangedHandler(const QModelIndex& topLeft, con
     for (int r = top; r <= bottom; ++r) {
         const int rel = r - m_firstRow;
         // The upper bound adds the first row on purpose (the same bound as above,
-        // in source terms); existing hosts see those rows reported.
+        // in source terms); existing hosts see those rows reported, under their
+        // window row numbers past the shown rows.
         if (rel < 0 || rel >= visible + m_firstRow)
             continue;
-        emit dataChanged(index(rel), index(rel));
+        emit dataChanged(createIndex(rel, 0), createIndex(rel, 0));
     }
 }
 

@@ -33,6 +33,18 @@ QObject* QmlTestHost::createModel(int flags)
     return model;
 }
 
+QObject* QmlTestHost::createModelWithMinimumMatch(int flags)
+{
+    PF_MATCH_ITEM atLeastMin = [](const QObject* object, const QVariant& ruleValue) {
+        auto* item = qobject_cast<const XOLATreeItem*>(object);
+        return item && item->getData(ValueItem::ValueRole).toInt() >= ruleValue.toMap().value("min").toInt();
+    };
+    XOLATreeModel* model = TestSupport::createModel(flags & ~1, TestSupport::extendedRoleNames(), nullptr, atLeastMin);
+    if (model)
+        model->setParent(this);
+    return model;
+}
+
 bool QmlTestHost::append(QObject* model, const QString& id, const QString& name, const QVariant& value)
 {
     XOLATreeModel* m = asModel(model);
@@ -53,7 +65,12 @@ bool QmlTestHost::appendMany(QObject* model, const QStringList& ids)
 bool QmlTestHost::appendWithChild(QObject* model, const QString& id, const QString& name, QObject* childModel)
 {
     XOLATreeModel* m = asModel(model);
-    return m && m->AppendItem(new ValueItem(id, name, QVariant(), childModel));
+    if (!m)
+        return false;
+    // The parent model disposes of its items' child models: the host lets go.
+    if (childModel)
+        childModel->setParent(nullptr);
+    return m->AppendItem(new ValueItem(id, name, QVariant(), childModel));
 }
 
 bool QmlTestHost::prepend(QObject* model, const QString& id, const QString& name, const QVariant& value)

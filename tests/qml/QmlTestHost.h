@@ -22,6 +22,9 @@ public:
     //! A model made by CreateXOLATreeModel with the default role names plus
     //! valueRole (261), groupRole (262) and textRole (263). Owned by the host.
     Q_INVOKABLE QObject* createModel(int flags = 0);
+    //! As createModel, with a match function for user-defined filter views: it
+    //! keeps items whose valueRole is at least the rule value's "min".
+    Q_INVOKABLE QObject* createModelWithMinimumMatch(int flags = 0);
     //! Appends an item (id, name, valueRole value) from C++.
     Q_INVOKABLE bool append(QObject* model, const QString& id, const QString& name, const QVariant& value = QVariant());
     //! Appends one item per id (name "name-<id>") with AppendItemsList.

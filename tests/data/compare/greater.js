@@ -1,0 +1,4 @@
+// Orders from greatest to smallest when used as an ascending comparison.
+function greater(a, b) {
+    return a > b;
+}

@@ -1,0 +1,3 @@
+function less(a, b) {
+    return a < ;
+}

@@ -1,0 +1,3 @@
+function fails(a, b) {
+    throw new Error("cannot compare " + a + " and " + b);
+}

@@ -1,0 +1,417 @@
+// Property checks: for random rows and random comparisons, the model's order
+// after a sort equals the order of inserting the rows one by one into an
+// ordered multi-map, the order that hosts depend on, whatever the comparison
+// answers (also when it contradicts itself).
+
+#include "MyVariant.h"
+#include "TestSupport.h"
+
+#include <QtCore/QDate>
+#include <QtCore/QDateTime>
+#include <QtCore/QMap>
+#include <QtCore/QScopedPointer>
+#include <QtCore/QTime>
+#include <QtTest/QtTest>
+
+#include <functional>
+#include <random>
+
+using namespace TestSupport;
+
+namespace {
+
+const int kValueRole = ValueItem::ValueRole;
+const int kGroupRole = ValueItem::GroupRole;
+
+// Reference key: the comparison is asked with the placed key on the left, and
+// a descending sort negates its answer, as the model does.
+struct ReferenceKey
+{
+    QVariant value;
+    bool ascending = true;
+    const PF_LESS_THAN* less = nullptr;
+
+    bool operator<(const ReferenceKey& other) const
+    {
+        const bool answer = (*less)(value, other.value);
+        return ascending ? answer : !answer;
+    }
+};
+
+// Ids ("i0", "i1"...) in the order of multi-inserting the rows that have a
+// value, followed by the rows without one.
+QStringList referenceOrder(const QVariantList& values, bool ascending, const PF_LESS_THAN& less)
+{
+    QMultiMap<ReferenceKey, QString> map;
+    QStringList withoutValue;
+    for (int i = 0; i < values.size(); ++i) {
+        const QString id = QStringLiteral("i%1").arg(i);
+        if (values.at(i) == QVariant())
+            withoutValue << id;
+        else
+            map.insert(ReferenceKey{values.at(i), ascending, &less}, id);
+    }
+    return map.values() + withoutValue;
+}
+
+// The built-in comparison as seen from the model, including its "no order"
+// answer for values without one, which a descending sort does not negate.
+struct BuiltInKey
+{
+    QVariant value;
+    bool ascending = true;
+
+    bool operator<(const BuiltInKey& other) const
+    {
+        return MyVariant(value, ascending, PF_LESS_THAN()) < MyVariant(other.value);
+    }
+};
+
+QStringList builtInReferenceOrder(const QVariantList& values, bool ascending)
+{
+    QMultiMap<BuiltInKey, QString> map;
+    QStringList withoutValue;
+    for (int i = 0; i < values.size(); ++i) {
+        const QString id = QStringLiteral("i%1").arg(i);
+        if (values.at(i) == QVariant())
+            withoutValue << id;
+        else
+            map.insert(BuiltInKey{values.at(i), ascending}, id);
+    }
+    return map.values() + withoutValue;
+}
+
+QStringList sortedIds(const QVariantList& values, bool ascending, const PF_LESS_THAN& less = PF_LESS_THAN())
+{
+    QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
+    model->AppendItemsList(valueItems(values));
+    model->SortByRole(kValueRole, ascending, less);
+    return ids(model.data());
+}
+
+// ---- random data ------------------------------------------------------------
+
+using Generator = std::mt19937;
+
+int uniform(Generator& g, int low, int high)
+{
+    return std::uniform_int_distribution<int>(low, high)(g);
+}
+
+QVariantList randomInts(Generator& g, int size, int range, int holePercent)
+{
+    QVariantList values;
+    for (int i = 0; i < size; ++i)
+        values << (uniform(g, 1, 100) <= holePercent ? QVariant() : QVariant(uniform(g, 0, range)));
+    return values;
+}
+
+// One random value of the given built-in type; small ranges so that ties are common.
+QVariant randomValue(Generator& g, QVariant::Type type)
+{
+    const int n = uniform(g, 0, 6);
+    static const char* const words[] = {"a", "B", "b", "", "ab", "A", "ba"};
+    switch (type) {
+    case QVariant::Bool:
+        return bool(n & 1);
+    case QVariant::Int:
+        return n - 3;
+    case QVariant::UInt:
+        return n == 6 ? 4294967295u : uint(n);
+    case QVariant::LongLong:
+        return (qlonglong(n) - 3) << 35;
+    case QVariant::ULongLong:
+        return n == 6 ? Q_UINT64_C(18446744073709551615) : qulonglong(n);
+    case QVariant::Double:
+        return n == 0 ? -0.0 : (n == 1 ? 0.0 : double(n) / 4 - 1);
+    case QVariant::Char:
+        return QChar(words[n][0]);
+    case QVariant::String:
+        return n == 3 && uniform(g, 0, 1) ? QString() : QString::fromLatin1(words[n]);
+    case QVariant::ByteArray:
+        return n == 6 ? QByteArray("a\0", 2) : QByteArray(words[n]);
+    case QVariant::Date:
+        return n == 6 ? QDate() : QDate(2020, 1, 1).addDays(n);
+    case QVariant::Time:
+        return n == 6 ? QTime() : QTime(10, 0).addSecs(n * 60);
+    case QVariant::DateTime:
+        return QDateTime(QDate(2020, 1, 1), QTime(10, n), Qt::UTC);
+    default:
+        return QVariant();
+    }
+}
+
+// The type's own order, written here from the values' documented orders.
+PF_LESS_THAN typedLess(QVariant::Type type)
+{
+    switch (type) {
+    case QVariant::Bool:
+        return [](const QVariant& a, const QVariant& b) { return !a.toBool() && b.toBool(); };
+    case QVariant::Int:
+        return [](const QVariant& a, const QVariant& b) { return a.toInt() < b.toInt(); };
+    case QVariant::UInt:
+        return [](const QVariant& a, const QVariant& b) { return a.toUInt() < b.toUInt(); };
+    case QVariant::LongLong:
+        return [](const QVariant& a, const QVariant& b) { return a.toLongLong() < b.toLongLong(); };
+    case QVariant::ULongLong:
+        return [](const QVariant& a, const QVariant& b) { return a.toULongLong() < b.toULongLong(); };
+    case QVariant::Double:
+        return [](const QVariant& a, const QVariant& b) { return a.toDouble() < b.toDouble(); };
+    case QVariant::Char:
+        return [](const QVariant& a, const QVariant& b) { return a.toChar().unicode() < b.toChar().unicode(); };
+    case QVariant::String:
+        return [](const QVariant& a, const QVariant& b) { return a.toString() < b.toString(); };
+    case QVariant::ByteArray:
+        return [](const QVariant& a, const QVariant& b) {
+            const QByteArray l = a.toByteArray(), r = b.toByteArray();
+            const int c = memcmp(l.constData(), r.constData(), size_t(qMin(l.size(), r.size())));
+            return c != 0 ? c < 0 : l.size() < r.size();
+        };
+    case QVariant::Date:
+        return [](const QVariant& a, const QVariant& b) { return a.toDate() < b.toDate(); };
+    case QVariant::Time:
+        return [](const QVariant& a, const QVariant& b) { return a.toTime() < b.toTime(); };
+    case QVariant::DateTime:
+        return [](const QVariant& a, const QVariant& b) { return a.toDateTime() < b.toDateTime(); };
+    default:
+        return PF_LESS_THAN();
+    }
+}
+
+// ---- rule sorts -------------------------------------------------------------
+
+struct RuleReferenceKey
+{
+    QVariantMap data; // role name -> value
+    const QVariantList* rules = nullptr;
+
+    bool operator<(const RuleReferenceKey& other) const
+    {
+        QT_WARNING_PUSH
+        QT_WARNING_DISABLE_DEPRECATED
+        for (const QVariant& r : *rules) {
+            const QVariantMap rule = r.toMap();
+            if (rule.isEmpty())
+                continue;
+            const QString role = rule.value("RoleName").toString();
+            const QVariant left = data.value(role);
+            const QVariant right = other.data.value(role);
+            if (left.isNull() || right.isNull())
+                continue;
+            const bool ascending = rule.value("Ascending").toBool();
+            if (left < right)
+                return ascending;
+            if (left > right)
+                return !ascending;
+        }
+        return false;
+        QT_WARNING_POP
+    }
+};
+
+} // namespace
+
+class TestSortProperty : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { flushDeferredDeletes(); }
+
+    void callerComparisonMatchesMultiInsertion_data();
+    void callerComparisonMatchesMultiInsertion();
+    void sequenceRandomComparisonMatchesMultiInsertion();
+    void builtInFastTypesMatchGeneralPath_data();
+    void builtInFastTypesMatchGeneralPath();
+    void builtInMixedTypesMatchMultiInsertion();
+    void largeIntListMatchesGeneralPath();
+    void rulesMatchMultiInsertion();
+};
+
+void TestSortProperty::callerComparisonMatchesMultiInsertion_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("always true") << 0;
+    QTest::newRow("always false") << 1;
+    QTest::newRow("random per pair") << 2;
+    QTest::newRow("consistent ascending") << 3;
+    QTest::newRow("consistent with many ties") << 4;
+    QTest::newRow("reversed") << 5;
+    QTest::newRow("not transitive") << 6;
+}
+
+void TestSortProperty::callerComparisonMatchesMultiInsertion()
+{
+    QFETCH(int, kind);
+    for (uint seed = 1; seed <= 60; ++seed) {
+        Generator g(seed);
+        const QVariantList values = randomInts(g, uniform(g, 0, 30), 9, 10);
+        PF_LESS_THAN less;
+        switch (kind) {
+        case 0: less = [](const QVariant&, const QVariant&) { return true; }; break;
+        case 1: less = [](const QVariant&, const QVariant&) { return false; }; break;
+        case 2: less = [seed](const QVariant& a, const QVariant& b) {
+                    return (qHash(qMakePair(a.toInt(), b.toInt()), seed) >> 3) & 1;
+                };
+                break;
+        case 3: less = [](const QVariant& a, const QVariant& b) { return a.toInt() < b.toInt(); }; break;
+        case 4: less = [](const QVariant& a, const QVariant& b) { return a.toInt() % 3 < b.toInt() % 3; }; break;
+        case 5: less = [](const QVariant& a, const QVariant& b) { return a.toInt() > b.toInt(); }; break;
+        default: less = [](const QVariant& a, const QVariant& b) { return (a.toInt() + 3 - b.toInt()) % 3 == 1; }; break;
+        }
+        for (bool ascending : {true, false}) {
+            const QStringList expected = referenceOrder(values, ascending, less);
+            QCOMPARE(sortedIds(values, ascending, less), expected);
+        }
+    }
+}
+
+void TestSortProperty::sequenceRandomComparisonMatchesMultiInsertion()
+{
+    // Each answer is a fresh coin toss: the model must ask exactly the questions,
+    // in exactly the order, that the multi-insertion asks.
+    for (uint seed = 1; seed <= 60; ++seed) {
+        Generator data(seed);
+        const QVariantList values = randomInts(data, uniform(data, 0, 30), 20, 10);
+        for (bool ascending : {true, false}) {
+            Generator coin(seed * 7919u);
+            const PF_LESS_THAN toss = [&coin](const QVariant&, const QVariant&) { return uniform(coin, 0, 1) == 1; };
+            const QStringList expected = referenceOrder(values, ascending, toss);
+            coin.seed(seed * 7919u);
+            QCOMPARE(sortedIds(values, ascending, toss), expected);
+        }
+    }
+}
+
+void TestSortProperty::builtInFastTypesMatchGeneralPath_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("bool") << int(QVariant::Bool);
+    QTest::newRow("int") << int(QVariant::Int);
+    QTest::newRow("uint") << int(QVariant::UInt);
+    QTest::newRow("longlong") << int(QVariant::LongLong);
+    QTest::newRow("ulonglong") << int(QVariant::ULongLong);
+    QTest::newRow("double") << int(QVariant::Double);
+    QTest::newRow("char") << int(QVariant::Char);
+    QTest::newRow("string") << int(QVariant::String);
+    QTest::newRow("bytearray") << int(QVariant::ByteArray);
+    QTest::newRow("date") << int(QVariant::Date);
+    QTest::newRow("time") << int(QVariant::Time);
+    QTest::newRow("datetime") << int(QVariant::DateTime);
+}
+
+void TestSortProperty::builtInFastTypesMatchGeneralPath()
+{
+    QFETCH(int, type);
+    const auto valueType = QVariant::Type(type);
+    // The same comparison handed over as a caller's function takes the general path.
+    const PF_LESS_THAN builtIn = [](const QVariant& a, const QVariant& b) { return MyVariant(a) < MyVariant(b); };
+    const PF_LESS_THAN own = typedLess(valueType);
+    for (uint seed = 1; seed <= 40; ++seed) {
+        Generator g(seed);
+        QVariantList values;
+        const int size = uniform(g, 0, 40);
+        for (int i = 0; i < size; ++i)
+            values << (uniform(g, 1, 10) == 1 ? QVariant() : randomValue(g, valueType));
+        for (bool ascending : {true, false}) {
+            const QStringList fast = sortedIds(values, ascending);
+            QCOMPARE(fast, sortedIds(values, ascending, builtIn));
+            QCOMPARE(fast, referenceOrder(values, ascending, own));
+            QCOMPARE(fast, builtInReferenceOrder(values, ascending));
+        }
+    }
+}
+
+void TestSortProperty::builtInMixedTypesMatchMultiInsertion()
+{
+    const QVariant::Type types[] = {QVariant::Bool,      QVariant::Int,    QVariant::UInt,      QVariant::LongLong,
+                                    QVariant::ULongLong, QVariant::Double, QVariant::Char,      QVariant::String,
+                                    QVariant::ByteArray, QVariant::Date,   QVariant::Time,      QVariant::DateTime};
+    for (uint seed = 1; seed <= 80; ++seed) {
+        Generator g(seed);
+        QVariantList values;
+        const int size = uniform(g, 0, 30);
+        for (int i = 0; i < size; ++i) {
+            switch (uniform(g, 0, 14)) {
+            case 12: values << QVariant(); break;
+            case 13: values << QVariant(QStringList{"x"}); break;
+            case 14: values << QVariant(QVariantMap{{"k", i}}); break;
+            default: values << randomValue(g, types[uniform(g, 0, 11)]); break;
+            }
+        }
+        if (seed % 5 == 0)
+            values << QVariant(qQNaN()) << QVariant(1.5) << QVariant(qQNaN());
+        for (bool ascending : {true, false})
+            QCOMPARE(sortedIds(values, ascending), builtInReferenceOrder(values, ascending));
+    }
+}
+
+void TestSortProperty::largeIntListMatchesGeneralPath()
+{
+    Generator g(2024);
+    const QVariantList values = randomInts(g, 5000, 200, 2);
+    const PF_LESS_THAN builtIn = [](const QVariant& a, const QVariant& b) { return MyVariant(a) < MyVariant(b); };
+    for (bool ascending : {true, false})
+        QCOMPARE(sortedIds(values, ascending), sortedIds(values, ascending, builtIn));
+}
+
+void TestSortProperty::rulesMatchMultiInsertion()
+{
+    const QStringList roles{"nameRole", "valueRole", "groupRole", "textRole", "noSuchRole"};
+    for (uint seed = 1; seed <= 80; ++seed) {
+        Generator g(seed);
+        // Rows with random names, values and groups, some of them missing.
+        const int size = uniform(g, 0, 25);
+        QList<XOLATreeItem*> rows;
+        QList<RuleReferenceKey> keys;
+        static const char* const names[] = {"a", "B", "b", "A", "c"};
+        for (int i = 0; i < size; ++i) {
+            const QString name = QString::fromLatin1(names[uniform(g, 0, 4)]);
+            const QVariant value = uniform(g, 0, 4) == 0 ? QVariant() : QVariant(uniform(g, 0, 3));
+            const QVariant group = uniform(g, 0, 3) == 0 ? QVariant() : QVariant(uniform(g, 0, 1) ? "x" : "y");
+            auto* item = new ValueItem(QStringLiteral("i%1").arg(i), name, value);
+            if (group.isValid())
+                item->setExtra(kGroupRole, group);
+            rows << item;
+            RuleReferenceKey key;
+            key.data.insert("idRole", item->id());
+            key.data.insert("nameRole", name);
+            key.data.insert("valueRole", value);
+            key.data.insert("groupRole", group);
+            keys << key;
+        }
+        QVariantList rules;
+        const int ruleCount = uniform(g, 0, 3);
+        for (int r = 0; r < ruleCount; ++r) {
+            QVariantMap rule{{"RoleName", roles.at(uniform(g, 0, roles.size() - 1))}};
+            if (uniform(g, 0, 4) != 0)
+                rule.insert("Ascending", bool(uniform(g, 0, 1)));
+            rules << rule;
+        }
+
+        QMultiMap<RuleReferenceKey, QString> reference;
+        for (RuleReferenceKey& key : keys) {
+            key.rules = &rules;
+            reference.insert(key, key.data.value("idRole").toString());
+        }
+
+        QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
+        model->AppendItemsList(rows);
+        model->SortByRules(rules);
+        QCOMPARE(ids(model.data()), reference.values());
+
+        // Sorting again starts from the new order.
+        QMultiMap<RuleReferenceKey, QString> again;
+        const QStringList current = ids(model.data());
+        for (const QString& id : current) {
+            const int index = id.mid(1).toInt();
+            again.insert(keys.at(index), id);
+        }
+        model->SortByRules(rules, 1);
+        QCOMPARE(ids(model.data()), again.values());
+    }
+}
+
+QTEST_GUILESS_MAIN(TestSortProperty)
+
+#include "tst_sortproperty.moc"
