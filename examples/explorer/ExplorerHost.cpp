@@ -86,6 +86,7 @@ void ExplorerHost::startScan(int batchSize)
                 m_batches = batches;
                 m_scanMilliseconds = milliseconds;
                 m_scanning = false;
+                m_scanDone = true;
                 m_progressTimer.stop();
                 m_thread.quit();
                 emit scanChanged();

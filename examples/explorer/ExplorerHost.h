@@ -33,6 +33,7 @@ class ExplorerHost : public QObject
     Q_PROPERTY(QObject* fileIndex READ fileIndex CONSTANT)
     Q_PROPERTY(QVariantMap settings READ settings CONSTANT)
     Q_PROPERTY(bool scanning READ scanning NOTIFY scanChanged)
+    Q_PROPERTY(bool scanDone READ scanDone NOTIFY scanChanged)
     Q_PROPERTY(int total READ total NOTIFY scanChanged)
     Q_PROPERTY(int scanned READ scanned NOTIFY scanChanged)
     Q_PROPERTY(int directories READ directories NOTIFY scanChanged)
@@ -59,6 +60,7 @@ public:
     XOLATreeModel* fileIndexModel() const { return m_fileIndex; }
     QVariantMap settings() const { return m_settings; }
     bool scanning() const { return m_scanning; }
+    bool scanDone() const { return m_scanDone; }
     int total() const { return m_total; }
     int scanned() const { return m_scanned; }
     int directories() const { return m_directories; }
@@ -88,6 +90,7 @@ private:
     QTimer m_progressTimer; // progress reaches QML a few times a second, not per batch
 
     bool m_scanning = false;
+    bool m_scanDone = false;
     int m_total = 0;
     int m_scanned = 0;
     int m_directories = 0;

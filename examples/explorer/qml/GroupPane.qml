@@ -69,7 +69,7 @@ ColumnLayout {
     }
 
     function makeGroups() {
-        groups = explorer.fileIndex.GetGroupModel(roles[roleBox.currentIndex], !explorer.scanning)
+        groups = explorer.fileIndex.GetGroupModel(roles[roleBox.currentIndex], explorer.scanDone)
         pick(0)
     }
 
@@ -114,6 +114,7 @@ ColumnLayout {
 
         ColumnLayout {
             Layout.preferredWidth: 320
+            Layout.fillWidth: false
             Layout.fillHeight: true
             Label {
                 text: (pane.groups ? pane.groups.count : 0) + " groups"

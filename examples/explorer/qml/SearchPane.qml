@@ -66,7 +66,7 @@ ColumnLayout {
         var start = explorer.now()
         sizeFilter.UpdateUserDefinedFilterRules(sizeBox.value * 1024)
         sizeMilliseconds = explorer.now() - start
-        sizeResult = sizeFilter.count + " files of " + sizeBox.value + " KB or more"
+        sizeResult = sizeFilter.count + " files"
     }
 
     function report(label) {
@@ -106,7 +106,7 @@ ColumnLayout {
         sizeBox.value = Math.ceil(explorer.settings.minSize / 1024)
         // The rule value is handed to the file index's native match function.
         sizeFilter = explorer.fileIndex.GetFilterModelByUserDefinedRules(sizeBox.value * 1024)
-        sizeResult = sizeFilter.count + " files of " + sizeBox.value + " KB or more"
+        sizeResult = sizeFilter.count + " files"
     }
 
     Timer {
@@ -178,7 +178,8 @@ ColumnLayout {
         }
 
         ColumnLayout {
-            Layout.preferredWidth: 400
+            Layout.preferredWidth: 440
+            Layout.fillWidth: false
             Layout.fillHeight: true
             Label {
                 text: "File index, same rules: " + (pane.indexFilter ? pane.indexFilter.count : 0) + " files"
@@ -202,7 +203,7 @@ ColumnLayout {
                 }
             }
             RowLayout {
-                Label { text: "Native match function: at least" }
+                Label { text: "Native match function, at least" }
                 SpinBox {
                     id: sizeBox
                     from: 0

@@ -75,7 +75,8 @@ RowLayout {
     ListModel { id: log }
 
     ColumnLayout {
-        Layout.preferredWidth: 380
+        Layout.preferredWidth: 430
+        Layout.fillWidth: false
         Layout.fillHeight: true
         spacing: 8
 
@@ -106,7 +107,7 @@ RowLayout {
         }
 
         GroupBox {
-            title: "By rules (first rule decides, later ones break ties)"
+            title: "By a rule list (later rules break ties)"
             Layout.fillWidth: true
             ColumnLayout {
                 anchors.fill: parent
@@ -150,7 +151,7 @@ RowLayout {
         }
 
         GroupBox {
-            title: "By a comparison function (natural order of names)"
+            title: "By a comparison function in a file"
             Layout.fillWidth: true
             RowLayout {
                 anchors.fill: parent
