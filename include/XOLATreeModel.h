@@ -7,8 +7,10 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QHash>
+#include <QtCore/QSet>
 #include <QtCore/QSharedPointer>
 
+class ItemWatch;
 class PartialModel;
 class XOLATreeModelWorker;
 
@@ -133,7 +135,11 @@ protected:
     void adoptForeignItem(XOLATreeItem* item) const;
     static void disposeChildModel(QObject* childModel, bool disconnectChild);
     static void disposeItem(XOLATreeItem* item);
+    //! Connects an item's valueChanged() so that it reaches views as dataChanged of its row.
     void connectItem(XOLATreeItem* item);
+    void disconnectItem(XOLATreeItem* item);
+    //! What EmitValueChange() does for the item that sent the change.
+    void valueChangedFrom(const QObject* object);
     void mergeDuplicate(XOLATreeItem* incoming, XOLATreeItem* existing);
     bool keepsRemovedItems() const { return (m_flags & KeepRemovedItemsOption) != 0; }
     bool mergesDuplicates() const { return (m_flags & MergeDuplicatesOption) != 0; }
@@ -150,7 +156,24 @@ protected:
     int m_sortFlag = None;
     QVariantList m_sortRules;
 
+    //! Takes an item that is gone out of the index: the entries under its id, as
+    //! documented, and any entry still naming it under an id it no longer has.
+    void unindex(XOLATreeItem* item);
+    //! A model that does not own its items (option 2) watches the items it
+    //! lists, so that their deletion by whoever owns them takes them out of its
+    //! rows and index first.
+    void holdItem(XOLATreeItem* item);
+    //! Stops watching an item that no row lists and no index entry names.
+    void releaseUnlisted(XOLATreeItem* item);
+    void releaseAllItems();
+
 private:
+    friend class ItemWatch;
+    //! The item is being deleted: every row and index entry holding it goes.
+    void forgetDeletedItem(const XOLATreeItem* item, const QString& id);
+    //! The watch of this model's thread is gone (the thread ended).
+    void watchDetached();
+
     bool forwardToWorker(const char* method, QGenericReturnArgument result,
                          QGenericArgument arg0 = QGenericArgument(nullptr), QGenericArgument arg1 = QGenericArgument(nullptr));
     void clearContainers(const QList<XOLATreeItem*>& spare);
@@ -159,6 +182,8 @@ private:
     mutable int m_rowCacheSize = -1;
     mutable bool m_rowCacheValid = false;
     bool m_removingAll = false;
+    ItemWatch* m_watch = nullptr;
+    QSet<const XOLATreeItem*> m_heldItems;
 };
 
 extern "C" {

@@ -1,5 +1,8 @@
 #include "XOLATreeItem.h"
 
+#include "ItemWatch.h"
+
+#include <QtCore/QAbstractItemModel>
 #include <QtCore/QHash>
 #include <QtQml/QQmlEngine>
 
@@ -29,10 +32,17 @@ XOLATreeItem::XOLATreeItem(const QString& id, const QString& name, QObject* chil
     QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
 }
 
-XOLATreeItem::~XOLATreeItem() = default;
+XOLATreeItem::~XOLATreeItem()
+{
+    // Models that list the item without owning it let it go before it is gone.
+    ItemWatch::itemDestroyed(this, m_id);
+}
 
 void XOLATreeItem::connectChildModel(QObject* childModel)
 {
+    // Only a model has rows to relay; any other object is held without connections.
+    if (!qobject_cast<QAbstractItemModel*>(childModel))
+        return;
     // Relay the child model's changes as this item's own signal so that views
     // can react to changes anywhere below the item.
     QObject::connect(childModel, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),

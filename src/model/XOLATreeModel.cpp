@@ -54,6 +54,8 @@ XOLATreeModel::~XOLATreeModel()
     m_ownerThreadId = nullptr;
     // Non-virtual on purpose: views and QML see every row go before the model dies.
     XOLATreeModel::RemoveAll();
+    // Index entries left by range removals that keep their items are watched too.
+    releaseAllItems();
     m_sortRules.clear();
     m_worker.reset();
     m_partialModel.reset();

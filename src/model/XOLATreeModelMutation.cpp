@@ -5,6 +5,7 @@
 
 #include "XOLATreeModel.h"
 
+#include "ItemWatch.h"
 #include "XOLATreeModelWorker.h"
 
 #include <QtCore/QMetaMethod>
@@ -141,7 +142,105 @@ void XOLATreeModel::disposeItem(XOLATreeItem* item)
 
 void XOLATreeModel::connectItem(XOLATreeItem* item)
 {
-    QObject::connect(item, SIGNAL(valueChanged()), this, SLOT(EmitValueChange()), Qt::AutoConnection);
+    // A functor that knows its item: EmitValueChange() would have to ask
+    // sender(), which walks every connection of the model in Qt 5 and makes a
+    // change of every row quadratic. The effect is the same.
+    QObject::connect(item, &XOLATreeItem::valueChanged, this, [this, item]() { valueChangedFrom(item); },
+                     Qt::AutoConnection);
+}
+
+void XOLATreeModel::disconnectItem(XOLATreeItem* item)
+{
+    if (item)
+        QObject::disconnect(item, &XOLATreeItem::valueChanged, this, nullptr);
+    holdItem(item);
+}
+
+// ---- items this model lists without owning them ----------------------------------
+
+void XOLATreeModel::holdItem(XOLATreeItem* item)
+{
+    if (!item || !keepsRemovedItems())
+        return;
+    if (!m_watch) {
+        m_watch = ItemWatch::local();
+        if (!m_watch)
+            return;
+    }
+    if (m_heldItems.contains(item))
+        return;
+    m_heldItems.insert(item);
+    m_watch->hold(item, this);
+}
+
+void XOLATreeModel::releaseUnlisted(XOLATreeItem* item)
+{
+    if (!m_watch || !m_heldItems.contains(item) || m_items.contains(item))
+        return;
+    m_heldItems.remove(item);
+    m_watch->release(item, this);
+}
+
+void XOLATreeModel::releaseAllItems()
+{
+    if (m_watch) {
+        for (const XOLATreeItem* item : qAsConst(m_heldItems))
+            m_watch->release(item, this);
+    }
+    m_heldItems.clear();
+}
+
+void XOLATreeModel::watchDetached()
+{
+    m_watch = nullptr;
+    m_heldItems.clear();
+}
+
+void XOLATreeModel::forgetDeletedItem(const XOLATreeItem* item, const QString& id)
+{
+    // Called from the item's destructor: only its address is used. Whoever owns
+    // the item deleted it without this model hearing of it by a row or an id it
+    // could resolve (an in-place swap, equal or changed ids, rows it was never
+    // told about); its rows go with the notices a removal by id sends.
+    m_heldItems.remove(item);
+    auto* listed = const_cast<XOLATreeItem*>(item);
+    bool removed = false;
+    for (int row = m_items.indexOf(listed); row >= 0; row = m_items.indexOf(listed)) {
+        beginRemoveRows(QModelIndex(), row, row);
+        m_items.removeAt(row);
+        itemsReordered();
+        endRemoveRows();
+        removed = true;
+    }
+    for (auto it = m_itemMap.begin(); it != m_itemMap.end();) {
+        if (it.value() == item)
+            it = m_itemMap.erase(it);
+        else
+            ++it;
+    }
+    itemsReordered();
+    if (removed) {
+        emit itemsRemoved(QStringList{id});
+        emit rowCountChanged();
+    }
+}
+
+void XOLATreeModel::unindex(XOLATreeItem* item)
+{
+    const QString id = item->id();
+    const bool indexedUnderId = m_itemMap.value(id) == item;
+    // Every entry under the item's id goes, as documented, also one naming
+    // another item with the same id.
+    m_itemMap.remove(id);
+    if (indexedUnderId)
+        return;
+    // Indexed under an id it no longer has: that entry must not outlive it.
+    for (auto it = m_itemMap.begin(); it != m_itemMap.end();) {
+        if (it.value() == item)
+            it = m_itemMap.erase(it);
+        else
+            ++it;
+    }
 }
 
 // ---- single items ---------------------------------------------------------------
@@ -409,13 +508,16 @@ bool XOLATreeModel::ReplaceItemsListEx(QList<XOLATreeItem*> itemList)
     if (keepsRemovedItems()) {
         m_items.clear();
         m_itemMap.clear();
+        releaseAllItems();
     } else {
         // Items that stay listed are spared, or the new rows would dangle.
         clearContainers(itemList);
     }
     m_items = itemList;
-    for (XOLATreeItem* item : qAsConst(itemList))
+    for (XOLATreeItem* item : qAsConst(itemList)) {
         m_itemMap.insert(item->id(), item);
+        holdItem(item);
+    }
     itemsReordered();
     const int newCount = m_items.size();
     // Lighter than the other loaders on purpose: items are not connected and no
@@ -444,6 +546,8 @@ void XOLATreeModel::clearContainers(const QList<XOLATreeItem*>& spare)
 {
     if (m_items.isEmpty())
         return;
+    // Deleted here and now, whatever option 2 says: nothing to watch any more.
+    releaseAllItems();
     QSet<QObject*> keep;
     for (XOLATreeItem* item : spare) {
         keep.insert(item);
@@ -503,6 +607,7 @@ void XOLATreeModel::RemoveAll()
     }
     m_items.clear();
     m_itemMap.clear();
+    releaseAllItems();
     itemsReordered();
     endRemoveRows();
     m_removingAll = false;
@@ -524,9 +629,10 @@ void XOLATreeModel::RemoveOne(XOLATreeItem* item)
         return;
     beginRemoveRows(QModelIndex(), row, row);
     m_items.removeAt(row);
-    m_itemMap.remove(item->id());
+    unindex(item);
     itemsReordered();
     endRemoveRows();
+    releaseUnlisted(item);
 }
 
 bool XOLATreeModel::RemoveOne(const QString& id)
@@ -599,7 +705,7 @@ bool XOLATreeModel::Remove(int rowH, int rowT)
     // With removed items kept alive nothing was collected, so their ids stay in
     // the index; kept as is for existing hosts.
     for (XOLATreeItem* item : qAsConst(removedItems)) {
-        m_itemMap.remove(item->id());
+        unindex(item);
         if (!keepsRemovedItems())
             disposeItem(item);
     }
@@ -625,9 +731,14 @@ void XOLATreeModel::MoveRow(int sourceRowIndex, int destinationRowIndex)
 
 void XOLATreeModel::EmitValueChange()
 {
-    if (this == t_quietModel && sender() == t_quietItem)
+    valueChangedFrom(sender());
+}
+
+void XOLATreeModel::valueChangedFrom(const QObject* object)
+{
+    if (this == t_quietModel && object == t_quietItem)
         return;
-    const int row = rowOfItem(sender());
+    const int row = rowOfItem(object);
     const QModelIndex idx = index(row, 0);
     if (idx.isValid())
         emit dataChanged(idx, idx);

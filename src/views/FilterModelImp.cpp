@@ -10,6 +10,10 @@
 namespace {
 const QString kRuleKey = QStringLiteral("Rule");
 
+// Up to this many changed source rows are followed item by item; a larger
+// change is followed against one snapshot of the view's ids.
+const int kFewChangedRows = 64;
+
 // Counts the rows taken out so far, by the row they held before, so that the
 // current row of any later one is found in logarithmic time.
 class RemovedRows
@@ -114,7 +118,7 @@ void FilterModelImp::Initial()
 void FilterModelImp::dropValueConnection(XOLATreeItem* item)
 {
     if (item)
-        disconnect(item, SIGNAL(valueChanged()), this, SLOT(EmitValueChange()));
+        disconnectItem(item);
 }
 
 void FilterModelImp::removeListedRow(int row)
@@ -125,11 +129,14 @@ void FilterModelImp::removeListedRow(int row)
     // without searching for the row again.
     beginRemoveRows(QModelIndex(), row, row);
     m_items.removeAt(row);
-    m_itemMap.remove(id);
+    unindex(item);
     itemsReordered();
     endRemoveRows();
+    releaseUnlisted(item);
     emit itemsRemoved(QStringList{id});
     emit rowCountChanged();
+    // Its changes no longer concern this view; it is connected again if it returns.
+    dropValueConnection(item);
 }
 
 bool FilterModelImp::isListedBySource(const XOLATreeItem* item) const
@@ -344,6 +351,73 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
     IXOLATreeModel* source = m_sourceModel.data();
     if (!source)
         return;
+    const int first = qMax(0, topLeft.row());
+    const int last = qMin(bottomRight.row(), source->rowCount() - 1);
+    bool wholeView = true;
+    QList<XOLATreeItem*> entering;
+    if (last - first + 1 <= kFewChangedRows)
+        followFewChangedRows(first, last, entering, wholeView);
+    else
+        followManyChangedRows(first, last, entering, wholeView);
+
+    if (!entering.isEmpty()) {
+        // Entering items join at the end, whatever the new-item position says.
+        // They are listed after the removals, so that every removal notice
+        // describes exactly the rows the view has announced.
+        const int firstNew = m_items.size();
+        for (XOLATreeItem* item : qAsConst(entering)) {
+            dropValueConnection(item);
+            connectItem(item);
+            m_items.append(item);
+            m_itemMap.insert(item->id(), item);
+            holdItem(item);
+            // Keeps the row cache current (or marks it stale) for the new row.
+            itemAppended(item);
+        }
+        // Announced once the rows are in place, as the bulk loaders do.
+        beginInsertRows(QModelIndex(), firstNew, m_items.size() - 1);
+        endInsertRows();
+    }
+
+    if (m_sortFlag != None)
+        KeepSortingCheck();
+    else if (wholeView && !m_items.isEmpty())
+        emit dataChanged(index(0, 0), index(m_items.size() - 1, 0));
+}
+
+void FilterModelImp::followFewChangedRows(int first, int last, QList<XOLATreeItem*>& entering, bool& wholeView)
+{
+    // One item's change, usually: decided without a snapshot of the view's ids.
+    // An id is listed when the item itself is one of the rows (also after a
+    // change of its id) or when the row listed under that id still has it.
+    // Rows are found by a pointer scan: after any change of the rows the row
+    // cache would have to be rebuilt, which costs far more than one scan.
+    IXOLATreeModel* source = m_sourceModel.data();
+    for (int row = first; row <= last; ++row) {
+        auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
+        if (!item)
+            continue;
+        const QString id = item->id();
+        XOLATreeItem* keyed = m_itemMap.value(id);
+        const int ownRow = listedRow(item);
+        const int keyedRow = !keyed ? -1 : keyed == item ? ownRow : listedRow(keyed);
+        const bool listed = ownRow >= 0 || (keyedRow >= 0 && keyed->id() == id);
+        const bool passes = IsMatchRule(item);
+        if (passes && !listed) {
+            entering << item;
+        } else if (passes) {
+            // Its own valueChanged() connection already reports its row.
+            wholeView = false;
+        } else if (listed && keyedRow >= 0) {
+            // The row RemoveOne(id) would take out.
+            removeListedRow(keyedRow);
+        }
+    }
+}
+
+void FilterModelImp::followManyChangedRows(int first, int last, QList<XOLATreeItem*>& entering, bool& wholeView)
+{
+    IXOLATreeModel* source = m_sourceModel.data();
     // The view's ids before the change, hashed with the row each held: a change
     // over the whole source costs one lookup per row. An id listed twice maps
     // to -1 and is removed the slow way.
@@ -363,11 +437,7 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
     // Cleared once the rows no longer match the snapshot minus the rows taken
     // out (a listener changed the view meanwhile); then every removal searches.
     bool rowsKnown = true;
-    bool wholeView = true;
-    QList<XOLATreeItem*> entering;
 
-    const int first = qMax(0, topLeft.row());
-    const int last = qMin(bottomRight.row(), source->rowCount() - 1);
     for (int row = first; row <= last; ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
         if (!item)
@@ -378,7 +448,6 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
         if (passes && listed == listedRows.constEnd()) {
             entering << item;
         } else if (passes) {
-            // Its own valueChanged() connection already reports its row.
             wholeView = false;
         } else if (listed != listedRows.constEnd()) {
             const int oldRow = listed.value();
@@ -391,28 +460,6 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
             }
         }
     }
-
-    if (!entering.isEmpty()) {
-        // Entering items join at the end, whatever the new-item position says.
-        // They are listed after the removals above, so that every removal
-        // notice describes exactly the rows the view has announced.
-        const int firstNew = m_items.size();
-        for (XOLATreeItem* item : qAsConst(entering)) {
-            dropValueConnection(item);
-            connect(item, SIGNAL(valueChanged()), this, SLOT(EmitValueChange()));
-            m_items.append(item);
-            m_itemMap.insert(item->id(), item);
-        }
-        itemsReordered();
-        // Announced once the rows are in place, as the bulk loaders do.
-        beginInsertRows(QModelIndex(), firstNew, m_items.size() - 1);
-        endInsertRows();
-    }
-
-    if (m_sortFlag != None)
-        KeepSortingCheck();
-    else if (wholeView && !m_items.isEmpty())
-        emit dataChanged(index(0, 0), index(m_items.size() - 1, 0));
 }
 
 void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, int start, int end)
@@ -430,7 +477,8 @@ void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, 
         // A row announced at the old end while the item went to the front (a
         // single prepend) names an item this view may already list; listing it
         // twice would leave a row behind when the source later drops the item.
-        if (rowOfItem(item) >= 0)
+        // The view is not changed inside this loop, so a cached miss is trusted.
+        if (rowOfItem(item, false) >= 0)
             continue;
         if (IsMatchRule(item))
             passing << item;
@@ -468,8 +516,10 @@ void FilterModelImp::ChildModelValueChangedHandler()
     auto* item = qobject_cast<XOLATreeItem*>(sender());
     if (!item || !m_sourceModel)
         return;
+    // One item: a pointer scan is cheaper than rebuilding a stale row cache.
+    const bool listed = listedRow(item) >= 0;
     if (!isListedBySource(item)) {
-        if (rowOfItem(item) >= 0)
+        if (listed)
             RemoveOne(item->id());
         return;
     }
@@ -477,7 +527,7 @@ void FilterModelImp::ChildModelValueChangedHandler()
         RemoveOne(item->id());
         return;
     }
-    if (rowOfItem(item) < 0) {
+    if (!listed) {
         // Joins at the end, whatever the new-item position says.
         dropValueConnection(item);
         AppendItem(item);

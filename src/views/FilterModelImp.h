@@ -60,6 +60,10 @@ private:
     //! The view's own connection from an item's valueChanged() is made anew each
     //! time the item enters, so that every change reports its row exactly once.
     void dropValueConnection(XOLATreeItem* item);
+    //! The two ways of following a source data change: item by item, or
+    //! against a snapshot of the view's ids.
+    void followFewChangedRows(int first, int last, QList<XOLATreeItem*>& entering, bool& wholeView);
+    void followManyChangedRows(int first, int last, QList<XOLATreeItem*>& entering, bool& wholeView);
     //! Takes one row out with the notices RemoveOne(id) sends for a view.
     void removeListedRow(int row);
     //! True while the item is one of the source's rows.

@@ -119,8 +119,8 @@ private slots:
         QCOMPARE(static_cast<XOLATreeModel*>(filter)->flags(), 3);
         QCOMPARE(static_cast<XOLATreeModel*>(paging)->flags(), 3);
         QCOMPARE(static_cast<XOLATreeModel*>(group)->flags(), 1);
-        QVERIFY(m->GetFilterModel() != filter); // a new view per call
         QObject* second = m->GetFilterModel();
+        QVERIFY(second != filter); // a new view per call
         delete second;
         delete filter;
         delete user;

@@ -119,7 +119,7 @@ QVariant randomValue(Generator& g, QVariant::Type type)
     case QVariant::UInt:
         return n == 6 ? 4294967295u : uint(n);
     case QVariant::LongLong:
-        return (qlonglong(n) - 3) << 35;
+        return (qlonglong(n) - 3) * (qlonglong(1) << 35);
     case QVariant::ULongLong:
         return n == 6 ? Q_UINT64_C(18446744073709551615) : qulonglong(n);
     case QVariant::Double:

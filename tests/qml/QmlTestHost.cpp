@@ -23,7 +23,17 @@ QmlTestHost::QmlTestHost(QObject* parent)
 {
 }
 
-QmlTestHost::~QmlTestHost() = default;
+QmlTestHost::~QmlTestHost()
+{
+    // The models first (they dispose of what they own), then whatever they gave
+    // back: items removed by id list or kept alive by option 2.
+    const QList<XOLATreeModel*> models = findChildren<XOLATreeModel*>(QString(), Qt::FindDirectChildrenOnly);
+    qDeleteAll(models);
+    TestSupport::flushDeferredDeletes();
+    TestSupport::flushDeferredDeletes();
+    for (const QPointer<QObject>& item : qAsConst(m_items))
+        delete item.data();
+}
 
 QObject* QmlTestHost::createModel(int flags)
 {
@@ -48,7 +58,7 @@ QObject* QmlTestHost::createModelWithMinimumMatch(int flags)
 bool QmlTestHost::append(QObject* model, const QString& id, const QString& name, const QVariant& value)
 {
     XOLATreeModel* m = asModel(model);
-    return m && m->AppendItem(new ValueItem(id, name, value));
+    return m && m->AppendItem(handedOver(new ValueItem(id, name, value)));
 }
 
 bool QmlTestHost::appendMany(QObject* model, const QStringList& ids)
@@ -58,7 +68,7 @@ bool QmlTestHost::appendMany(QObject* model, const QStringList& ids)
         return false;
     QList<XOLATreeItem*> list;
     for (const QString& id : ids)
-        list << new ValueItem(id, QStringLiteral("name-") + id);
+        list << handedOver(new ValueItem(id, QStringLiteral("name-") + id));
     return m->AppendItemsList(list);
 }
 
@@ -70,13 +80,13 @@ bool QmlTestHost::appendWithChild(QObject* model, const QString& id, const QStri
     // The parent model disposes of its items' child models: the host lets go.
     if (childModel)
         childModel->setParent(nullptr);
-    return m->AppendItem(new ValueItem(id, name, QVariant(), childModel));
+    return m->AppendItem(handedOver(new ValueItem(id, name, QVariant(), childModel)));
 }
 
 bool QmlTestHost::prepend(QObject* model, const QString& id, const QString& name, const QVariant& value)
 {
     XOLATreeModel* m = asModel(model);
-    return m && m->PrependItem(new ValueItem(id, name, value));
+    return m && m->PrependItem(handedOver(new ValueItem(id, name, value)));
 }
 
 bool QmlTestHost::setValue(QObject* model, const QString& id, const QVariant& value)

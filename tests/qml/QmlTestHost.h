@@ -1,7 +1,9 @@
 #ifndef TESTS_QMLTESTHOST_H
 #define TESTS_QMLTESTHOST_H
 
+#include <QtCore/QList>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 #include <QtCore/QVariant>
 
@@ -48,7 +50,17 @@ public:
     void setEngine(QQmlEngine* engine) { m_engine = engine; }
 
 private:
+    //! Remembers an item handed to a model: the models give some back (removal
+    //! by id list, options that keep removed items), and those are the host's.
+    template <typename Item>
+    Item* handedOver(Item* item)
+    {
+        m_items << item;
+        return item;
+    }
+
     QQmlEngine* m_engine = nullptr;
+    QList<QPointer<QObject>> m_items;
 };
 
 #endif // TESTS_QMLTESTHOST_H

@@ -10,6 +10,7 @@
 #include <QtCore/QDate>
 #include <QtCore/QDateTime>
 #include <QtCore/QScopedPointer>
+#include <QtCore/QStringListModel>
 #include <QtTest/QtTest>
 
 #include <limits>
@@ -435,9 +436,9 @@ void TestFilterRules::matchRule_descendsIntoChildModels()
     // An empty child model ends the descent
     child->RemoveAll();
     QVERIFY(!view->MatchRule(&parent, rules, true));
-    // As does a child that is not a model
-    QObject notAModel;
-    ValueItem odd("o", "n", 0, &notAModel);
+    // As does a child that is a list model of another kind
+    QStringListModel otherModel({"x", "y"});
+    ValueItem odd("o", "n", 0, &otherModel);
     QVERIFY(!view->MatchRule(&odd, rules, true));
     delete child;
 }
