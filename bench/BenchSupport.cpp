@@ -151,6 +151,10 @@ QList<XOLATreeItem*> makeItems(const QVector<Row>& data, int first, int count)
 void flushDeferredDeletes()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Only a pass over every event type compacts the thread's posted-event
+    // list; without it the delivered entries pile up over a long run and every
+    // later post, removal and flush walks them.
+    QCoreApplication::sendPostedEvents();
 }
 
 QVariantList substringRules()

@@ -185,7 +185,7 @@ void registerViewBenchmarks();
 void registerMemoryBenchmarks();
 
 //! Child-process entry for the memory measurements; returns the exit code.
-int runMemoryProbe(const QString& spec);
+int runMemoryProbe(const QString& probe);
 
 } // namespace bench
 

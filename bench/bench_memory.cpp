@@ -108,9 +108,9 @@ void measure(benchmark::State& state, const QString& kind)
 
 } // namespace
 
-int runMemoryProbe(const QString& spec)
+int runMemoryProbe(const QString& probe)
 {
-    const QStringList parts = spec.split(QLatin1Char(':'));
+    const QStringList parts = probe.split(QLatin1Char(':'));
     if (parts.size() != 2)
         return 2;
     const int n = parts.at(1).toInt();
