@@ -108,8 +108,10 @@ public:
     void KeepSortingCheck();
     void RemoveOne(XOLATreeItem* item);
 
-    //! The option bits given at construction.
+    //! The option bits given at construction. (The item flags of an index stay
+    //! reachable under the same name.)
     int flags() const { return m_flags; }
+    using IXOLATreeModel::flags;
     //! The keep-sorting mode in force (a SortFlagColne value) and its rules.
     int sortFlag() const { return m_sortFlag; }
     QVariantList sortRules() const { return m_sortRules; }

@@ -147,13 +147,13 @@ void XOLATreeModel::connectItem(XOLATreeItem* item)
     // change of every row quadratic. The effect is the same.
     QObject::connect(item, &XOLATreeItem::valueChanged, this, [this, item]() { valueChangedFrom(item); },
                      Qt::AutoConnection);
+    holdItem(item);
 }
 
 void XOLATreeModel::disconnectItem(XOLATreeItem* item)
 {
     if (item)
         QObject::disconnect(item, &XOLATreeItem::valueChanged, this, nullptr);
-    holdItem(item);
 }
 
 // ---- items this model lists without owning them ----------------------------------

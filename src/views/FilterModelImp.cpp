@@ -370,7 +370,6 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
             connectItem(item);
             m_items.append(item);
             m_itemMap.insert(item->id(), item);
-            holdItem(item);
             // Keeps the row cache current (or marks it stale) for the new row.
             itemAppended(item);
         }

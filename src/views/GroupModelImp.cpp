@@ -66,6 +66,16 @@ XOLATreeModel* GroupModelImp::newMemberModel()
     return new XOLATreeModel(this, m_sourceModel->roleNames(), KeepRemovedItemsOption, nullptr, nullptr);
 }
 
+XOLATreeItem* GroupModelImp::newGroupItem(const QString& key, XOLATreeModel* members)
+{
+    auto* group = new XOLATreeItem(key, key, members);
+    // The view's own object, whatever happens to its row: removed by id list
+    // (which hands items back to a caller that, from QML, cannot delete them) it
+    // still goes with the view.
+    group->setParent(this);
+    return group;
+}
+
 XOLATreeModel* GroupModelImp::memberModelOf(const QString& key) const
 {
     const QVariant child = FindItemValue(key, int(XOLATreeItem::ChildModelRole));
@@ -79,7 +89,7 @@ QObject* GroupModelImp::GetGroupChildModel(const QString& key)
     if (!m_sourceModel)
         return nullptr;
     XOLATreeModel* member = newMemberModel();
-    AppendItem(new XOLATreeItem(key, key, member));
+    AppendItem(newGroupItem(key, member));
     return member;
 }
 
@@ -128,7 +138,7 @@ void GroupModelImp::GenGroupModel(int role)
         XOLATreeModel*& member = members[key];
         if (!member) {
             member = newMemberModel();
-            groups << new XOLATreeItem(key, key, member);
+            groups << newGroupItem(key, member);
         }
         member->AppendItem(item);
         // Rows arrive in ascending order: appending at the end is the cheap insert.

@@ -41,6 +41,7 @@ public slots:
 
 private:
     XOLATreeModel* newMemberModel();
+    XOLATreeItem* newGroupItem(const QString& key, XOLATreeModel* members);
     XOLATreeModel* memberModelOf(const QString& key) const;
 
     QPointer<IXOLATreeModel> m_sourceModel;

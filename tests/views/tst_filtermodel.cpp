@@ -466,6 +466,7 @@ void TestFilterModel::sourceRemoveRange_keepingRemovedItemsIsNotAnnouncedById()
     QPointer<XOLATreeItem> a = sourceItem(source.data(), "a");
     QPointer<XOLATreeItem> b = sourceItem(source.data(), "b");
     QPointer<XOLATreeItem> c = sourceItem(source.data(), "c");
+    QPointer<XOLATreeItem> d = sourceItem(source.data(), "d");
     SignalLog log(view.data());
     // When rows 1..2 are removed
     QVERIFY(source->Remove(1, 2));
@@ -474,10 +475,11 @@ void TestFilterModel::sourceRemoveRange_keepingRemovedItemsIsNotAnnouncedById()
     QCOMPARE(ids(view.data()), QStringList({"a", "c"}));
     view.reset();
     source.reset();
-    // The source kept every item alive, also the one still listed: they are ours.
+    // The source kept every item alive, also those still listed: they are ours.
     delete a.data();
     delete b.data();
     delete c.data();
+    delete d.data();
 }
 
 void TestFilterModel::sourceRemoveAll()
