@@ -305,43 +305,35 @@ int FilterModelImp::FindItemRow(const QString& id) const
     return -1;
 }
 
-namespace {
-template <typename Key>
-QVariant itemValue(const QObject* object, const Key& role)
-{
-    auto* item = qobject_cast<const XOLATreeItem*>(object);
-    return item ? item->getData(role) : QVariant();
-}
-} // namespace
-
+// The view answers from its own rows and id index, exactly as any model does.
 QVariant FilterModelImp::FindItemValue(int row, int role) const
 {
-    return itemValue(FindItem(row), role);
+    return XOLATreeModel::FindItemValue(row, role);
 }
 
 QVariant FilterModelImp::FindItemValue(int row, const QString& roleName) const
 {
-    return itemValue(FindItem(row), roleName);
+    return XOLATreeModel::FindItemValue(row, roleName);
 }
 
 QVariant FilterModelImp::FindItemValue(const QString& id, int role) const
 {
-    return itemValue(FindItem(id, false), role);
+    return XOLATreeModel::FindItemValue(id, role);
 }
 
 QVariant FilterModelImp::FindItemValue(const QString& id, const QString& roleName) const
 {
-    return itemValue(FindItem(id, false), roleName);
+    return XOLATreeModel::FindItemValue(id, roleName);
 }
 
 QVariant FilterModelImp::FindItemValueEx(const QString& id, int role, bool includeChildModel) const
 {
-    return itemValue(FindItem(id, includeChildModel), role);
+    return XOLATreeModel::FindItemValueEx(id, role, includeChildModel);
 }
 
 QVariant FilterModelImp::FindItemValueEx(const QString& id, const QString& roleName, bool includeChildModel) const
 {
-    return itemValue(FindItem(id, includeChildModel), roleName);
+    return XOLATreeModel::FindItemValueEx(id, roleName, includeChildModel);
 }
 
 // ---- following the source --------------------------------------------------------------
