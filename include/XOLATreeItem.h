@@ -51,7 +51,8 @@ public:
     QString id() const { return m_id; }
     QString name() const { return m_name; }
     QObject* childModel() const { return m_childModel.data(); }
-    QMap<QString, QVariant> jsonValue() const { return m_values; }
+    //! The value map; its "childModelRole" entry never names a deleted model.
+    QMap<QString, QVariant> jsonValue() const;
 
 signals:
     void valueChanged();

@@ -76,10 +76,26 @@ QVariant XOLATreeItem::getData(int role) const
     case ChildModelRole:
         return objectVariant(m_childModel.data());
     case JsonValueRole:
-        return QVariant(m_values);
+        return QVariant(jsonValue());
     default:
         return QVariant();
     }
+}
+
+QMap<QString, QVariant> XOLATreeItem::jsonValue() const
+{
+    // The child model is not the item's: whoever owns it may delete it, and the
+    // field then reads as none. The map must read the same, never handing out
+    // the address of a deleted model (which a later SetJsonValue of this very
+    // map would follow).
+    const auto entry = m_values.constFind(kChildModelKey);
+    if (entry != m_values.constEnd() && entry->userType() == QMetaType::QObjectStar
+        && *static_cast<QObject* const*>(entry->constData()) != m_childModel.data()) {
+        QMap<QString, QVariant> values = m_values;
+        values.insert(kChildModelKey, objectVariant(m_childModel.data()));
+        return values;
+    }
+    return m_values;
 }
 
 QVariant XOLATreeItem::getData(const QString& roleName) const

@@ -144,7 +144,17 @@ bool FilterModelImp::isListedBySource(const XOLATreeItem* item) const
     // An item the source has let go of (Remove by id list keeps it alive) may
     // still signal; it must not come back into the view.
     IXOLATreeModel* source = m_sourceModel.data();
-    return source && item && source->FindItem(item->id(), false) == item;
+    if (!source || !item)
+        return false;
+    if (source->FindItem(item->id(), false) == item)
+        return true;
+    // The source's index may have lost the id while the item is still a row
+    // (removing one of two equal ids drops the entry of both): the rows decide.
+    for (int row = 0; row < source->rowCount(); ++row) {
+        if (source->FindItem(row) == item)
+            return true;
+    }
+    return false;
 }
 
 QVariant FilterModelImp::plainRuleValue(const QVariant& value)

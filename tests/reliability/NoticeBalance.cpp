@@ -48,9 +48,11 @@ NoticeBalance::NoticeBalance(QAbstractItemModel* model, const QString& name)
             ++m_loneLayouts;
         m_layoutOpen = false;
     }, direct);
-    connect(model, &M::dataChanged, this, [this]() {
+    connect(model, &M::dataChanged, this, [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
         ++m_traffic;
-        ++m_rowTraffic;
+        // A change over no rows (a sort of an empty model) moves no listener.
+        if (topLeft.row() >= 0 && bottomRight.row() >= 0)
+            ++m_rowTraffic;
     }, direct);
 }
 
@@ -106,6 +108,7 @@ void NoticeBalance::end(Open kind, int first, int last)
 {
     ++m_traffic;
     ++m_rowTraffic;
+    ++m_countTraffic;
     if (m_open != kind || m_openFirst != first || m_openLast != last) {
         problem(QStringLiteral("end of %1(%2,%3) does not match the open notice")
                     .arg(QLatin1String(kindName(int(kind)))).arg(first).arg(last));

@@ -42,7 +42,9 @@ public:
     int traffic() const { return m_traffic; }
     //! Insertions, removals and data changes since the last clearTraffic().
     int rowTraffic() const { return m_rowTraffic; }
-    void clearTraffic() { m_traffic = 0; m_rowTraffic = 0; }
+    //! Insertions and removals since the last clearTraffic().
+    int countTraffic() const { return m_countTraffic; }
+    void clearTraffic() { m_traffic = 0; m_rowTraffic = 0; m_countTraffic = 0; }
 
     QString name() const { return m_name; }
     QAbstractItemModel* model() const { return m_model.data(); }
@@ -66,6 +68,7 @@ private:
     int m_loneLayouts = 0;
     int m_traffic = 0;
     int m_rowTraffic = 0;
+    int m_countTraffic = 0;
 };
 
 #endif // TESTS_NOTICEBALANCE_H

@@ -667,21 +667,27 @@ void OperationEngine::buildOperations()
              m->MoveRow(from, to);
          }},
         {1, "ClearAllSourceContainer", [=]() {
-             // Only on child models: called alone on a model with views it leaves
-             // them holding deleted items, which is what its notices-free contract says.
-             const QList<XOLATreeModel*> models = owningModels();
-             if (models.size() < 2)
-                 return;
-             XOLATreeModel* m = models.at(1 + m_choices.below(models.size() - 1));
-             note(QStringLiteral("ClearAllSourceContainer on a child"));
-             if (inRootTree(m))
+             // Empties a model and deletes its rows at once without a notice: the
+             // model's own listeners are not told, the paging view and the partial
+             // window keep their old counts, and the filter and group views let
+             // the rows go as they are deleted.
+             XOLATreeModel* m = randomOwningModel();
+             note(QStringLiteral("ClearAllSourceContainer on %1").arg(isRoot(m) ? QStringLiteral("the main model") : QStringLiteral("a child")));
+             if (isRoot(m)) {
+                 markViewsStale("the main model emptied without notices");
+                 m_countsStale = true;
+             } else if (inRootTree(m)) {
                  markViewsStale("a child model emptied without notices");
+             }
              m->ClearAllSourceContainer();
-             // No notices at all, by design: the listeners were not told.
              for (const Watched& w : qAsConst(m_watched)) {
-                 if (w.balance && (w.kind == ModelKind::Child || w.kind == ModelKind::Member))
+                 if (w.balance && (w.kind == ModelKind::Root || w.kind == ModelKind::Child))
                      w.balance->resync();
              }
+             // The paging view keeps the count it announced last for good (a
+             // forwarded reset does not change it): the host makes it again.
+             if (isRoot(m))
+                 makePaging();
          }},
         {2, "CopyItem", [=]() {
              XOLATreeModel* m = target();
@@ -897,7 +903,12 @@ void OperationEngine::buildOperations()
              m->get(row);
              m->FindItem(row);
              m->FindItem(id, m_choices.percent(50));
-             m->data(m->index(qMax(0, row), 0), randomRole());
+             const int role = randomRole();
+             const QVariant value = m->data(m->index(qMax(0, row), 0), role);
+             // A filter view answers its row's child model with a new child view,
+             // which is the caller's to delete outside QML.
+             if (qobject_cast<FilterModelImp*>(m) && role == XOLATreeItem::ChildModelRole)
+                 delete value.value<QObject*>();
              m->data(QModelIndex(), randomRole());
              m->page();
              m->totalPage();
@@ -1175,6 +1186,14 @@ bool OperationEngine::step()
         }
     }
 
+    // The partial window recounts (it resets) on the main model's next row notice.
+    if (m_countsStale && m_operation != QLatin1String("ClearAllSourceContainer")) {
+        for (const Watched& w : qAsConst(m_watched)) {
+            if (w.kind == ModelKind::Root && w.balance && w.balance->countTraffic() > 0)
+                m_countsStale = false;
+        }
+    }
+
     // The group view rebuilds on every row or data notice of the main model.
     for (const Watched& w : qAsConst(m_watched)) {
         if (w.kind == ModelKind::Root && w.balance && w.balance->rowTraffic() > 0 && m_group && m_group->keepSortWithSource()
@@ -1395,6 +1414,8 @@ bool OperationEngine::checkBalances()
             && m_operation != QLatin1String("SortByScriptFunction"))
             return fail(w.balance->name() + QStringLiteral(": modelReset without modelAboutToBeReset"));
         const int rows = w.model->rowCount();
+        if (m_countsStale && w.kind == ModelKind::Partial)
+            continue;
         if (w.kind == ModelKind::Partial) {
             // The window may announce one row it does not show (a size set while
             // the first row lies past the end), and its size follows the source
@@ -1581,7 +1602,7 @@ bool OperationEngine::checkPaging()
 
 bool OperationEngine::checkPartial()
 {
-    if (!m_partial)
+    if (!m_partial || m_countsStale)
         return true;
     const int first = m_root->FirstPartialModelRow();
     if (first != m_partial->GetFirstPartialModelRow() || first < 0)

@@ -226,6 +226,9 @@ private:
     bool m_groupExact = true;
     //! Set when the partial window announced a row it does not show.
     bool m_partialPhantom = false;
+    //! Set while the partial window counts rows the main model dropped without
+    //! a notice.
+    bool m_countsStale = false;
 
     QList<Operation> m_operations;
     int m_totalWeight = 0;

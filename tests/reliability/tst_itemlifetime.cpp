@@ -188,6 +188,28 @@ private slots:
         }
     }
 
+    void viewKeepsARowWhoseIdTheSourceIndexLost()
+    {
+        // Given two items with one id, the first passing and with a child model
+        std::unique_ptr<XOLATreeModel> model(createModel(0, extendedRoleNames()));
+        XOLATreeModel* child = createModel(0, extendedRoleNames());
+        auto* first = member("a", 5);
+        first->SetChildModel(child);
+        auto* second = member("a", 1);
+        model->AppendItemsList({first, second, member("b", 7)});
+        std::unique_ptr<FilterModelImp> view(qobject_cast<FilterModelImp*>(model->GetFilterModel(kAtLeastThree)));
+        QCOMPARE(ids(view.get()), QStringList({"a", "b"}));
+        // When the second leaves (the index drops the id of both, as documented)
+        model->RemoveOne(second);
+        std::unique_ptr<XOLATreeItem> handedBack(second);
+        QCOMPARE(model->FindItem(QStringLiteral("a")), nullptr);
+        // and the first one's child model changes
+        child->AppendItem(member("c1", 0));
+        // Then the view still shows the first: it is a row of the source
+        QCOMPARE(ids(view.get()), QStringList({"a", "b"}));
+        QCOMPARE(view->FindItem(0), static_cast<QObject*>(first));
+    }
+
     void groupItemsHandedBackGoWithTheView()
     {
         // A group view's rows removed by id list from QML are handed back to a
@@ -203,6 +225,35 @@ private slots:
         view.reset();
         QVERIFY(group.isNull());
         QCOMPARE(ids(model.get()), QStringList({"i0", "i1"}));
+    }
+
+    void valueMapOfAnItemWhoseChildModelWent()
+    {
+        // Given an item with a child model, taken out with RemoveOne(item): the
+        // item is handed back, its child model disposed of
+        std::unique_ptr<XOLATreeModel> model(createModel(0, extendedRoleNames()));
+        XOLATreeModel* child = createModel(0, extendedRoleNames());
+        child->AppendItem(member("c1", 1));
+        model->AppendItem(member("p", 1));
+        auto* parent = qobject_cast<XOLATreeItem*>(model->FindItem(QStringLiteral("p")));
+        parent->SetChildModel(child);
+        QPointer<QObject> childGuard(child);
+        model->RemoveOne(parent);
+        std::unique_ptr<XOLATreeItem> handedBack(parent);
+        flushDeferredDeletes();
+        QVERIFY(childGuard.isNull());
+        // Then the field and the value map both read as no child model
+        QCOMPARE(parent->childModel(), nullptr);
+        const QVariant entry = parent->getData(XOLATreeItem::JsonValueRole).toMap().value(QStringLiteral("childModelRole"));
+        QCOMPARE(entry.userType(), int(QMetaType::QObjectStar));
+        QCOMPARE(entry.value<QObject*>(), nullptr);
+        QCOMPARE(parent->jsonValue().value(QStringLiteral("childModelRole")).value<QObject*>(), nullptr);
+        // and the map can be given back to the item
+        QVariantMap json = parent->jsonValue();
+        json.insert(QStringLiteral("free"), 1);
+        parent->SetJsonValue(json);
+        QCOMPARE(parent->jsonValue().value(QStringLiteral("free")), QVariant(1));
+        QCOMPARE(parent->childModel(), nullptr);
     }
 
     void hostDeletesAnItemOfAModelKeepingItems()

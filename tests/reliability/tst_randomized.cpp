@@ -69,10 +69,18 @@
 //  - Rows removed from a view by QML (RemoveOne, Remove, clear, MoveRow on the
 //    view) stay out until the next rebuild.
 //
-// Not done at all, because the calls' own contracts exclude them:
-// ClearAllSourceContainer on a model with views (it deletes the rows at once
-// and tells nobody), an item handed to two models, a child model that is an
-// ancestor of its item, deleting a source before its views.
+//  - ClearAllSourceContainer empties a model without any notice: the filter and
+//    group views let the rows go as they are deleted, but the partial window
+//    keeps its old count until the main model's next row notice, and the paging
+//    view keeps the count it announced for good (the engine makes a new one).
+//
+// Not done at all, because the calls' own contracts exclude them: an item
+// handed to two models, a child model that is an ancestor of its item,
+// deleting a source before its views.
+//
+// By hand: XOLA_RANDOM_STEPS=<n> runs n steps per world, XOLA_RANDOM_SEEDS=<first>:<count>
+// adds a range of seeds, XOLA_ENGINE_TRACE=1 prints every model's ids after each
+// step, XOLA_ENGINE_STALE=1 prints why the views were left stale and how often.
 
 #include "OperationEngine.h"
 #include "TestSupport.h"
@@ -150,9 +158,8 @@ void TestRandomized::sequences()
     // Every kind of operation had its turn.
     for (const QString& name : qAsConst(all))
         QVERIFY2(ran.value(name) > 0, qPrintable(name + QStringLiteral(" never ran")));
-    qDebug("seed %u: %d filter comparisons", seed, compared.value(QStringLiteral("filter view against a rebuild")));
     // The comparisons with a rebuild are not all switched off by stale views.
-    QVERIFY(compared.value(QStringLiteral("filter view against a rebuild")) > total / 10);
+    QVERIFY(compared.value(QStringLiteral("filter view against a rebuild")) > total / 20);
     qDebug("seed %u: %d steps, %d filter views and %d group views compared with a rebuild", seed, total,
            compared.value(QStringLiteral("filter view against a rebuild")),
            compared.value(QStringLiteral("group view against a regrouping")));
