@@ -6,3 +6,9 @@ bash scripts/deps.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build -j2
 ctest --test-dir build --output-on-failure -j2
+
+# Then the same suite under AddressSanitizer, UndefinedBehaviorSanitizer and
+# LeakSanitizer; XOLA_SKIP_SANITIZERS=1 runs the normal pass only.
+if [ -z "${XOLA_SKIP_SANITIZERS:-}" ]; then
+  bash scripts/test-sanitizers.sh
+fi
