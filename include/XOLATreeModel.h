@@ -10,8 +10,11 @@
 #include <QtCore/QSet>
 #include <QtCore/QSharedPointer>
 
+#include <memory>
+
 class ItemWatch;
 class PartialModel;
+class RowIndex;
 class XOLATreeModelWorker;
 
 /*!
@@ -124,14 +127,17 @@ protected:
     int roleForName(const QString& roleName) const;
     //! True when called on a thread other than the one that built the model.
     bool isForeignThread() const;
-    //! Must be called after every change of m_items so the row cache is rebuilt.
-    void itemsReordered() const { m_rowCacheValid = false; }
-    //! Row of the first element of m_items equal to object, or -1 (cached).
-    //! With confirmMiss false a miss in a valid cache is trusted (no rebuild).
+    //! Must be called after every change of m_items that neither itemAppended()
+    //! nor itemRemovedAt() describes, so the row index is rebuilt.
+    void itemsReordered() const;
+    //! Row of the first element of m_items equal to object, or -1 (indexed).
+    //! With confirmMiss false a miss in a valid index is trusted (no rebuild).
     int rowOfItem(const QObject* object, bool confirmMiss = true) const;
-    //! Keeps the row cache valid after one item was appended to m_items.
+    //! Keeps the row index valid after one item was appended to m_items.
     void itemAppended(const XOLATreeItem* item) const;
-    //! Row of the item by a scan from the front, or -1.
+    //! Keeps the row index valid after the item at row was taken out of m_items.
+    void itemRemovedAt(int row, const XOLATreeItem* item) const;
+    //! Row of the first element of m_items equal to item, or -1; a miss is confirmed by a scan.
     int listedRow(const XOLATreeItem* item) const;
     //! Hands an item to the model's thread when it was made on the calling thread.
     void adoptForeignItem(XOLATreeItem* item) const;
@@ -180,9 +186,8 @@ private:
                          QGenericArgument arg0 = QGenericArgument(nullptr), QGenericArgument arg1 = QGenericArgument(nullptr));
     void clearContainers(const QList<XOLATreeItem*>& spare);
 
-    mutable QHash<const QObject*, int> m_rowCache;
-    mutable int m_rowCacheSize = -1;
-    mutable bool m_rowCacheValid = false;
+    // Made on first use; see RowIndex.
+    mutable std::unique_ptr<RowIndex> m_rowIndex;
     bool m_removingAll = false;
     ItemWatch* m_watch = nullptr;
     QSet<const XOLATreeItem*> m_heldItems;

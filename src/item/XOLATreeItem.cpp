@@ -1,4 +1,5 @@
 #include "XOLATreeItem.h"
+#include "MetaConnect.h"
 
 #include "ItemWatch.h"
 
@@ -45,12 +46,12 @@ void XOLATreeItem::connectChildModel(QObject* childModel)
         return;
     // Relay the child model's changes as this item's own signal so that views
     // can react to changes anywhere below the item.
-    QObject::connect(childModel, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
-                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
-    QObject::connect(childModel, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
-                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
-    QObject::connect(childModel, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
-                     this, SIGNAL(childModelValueChanged()), Qt::AutoConnection);
+    MetaConnect::connect(childModel, "dataChanged(QModelIndex,QModelIndex)",
+                         this, "childModelValueChanged()", Qt::AutoConnection);
+    MetaConnect::connect(childModel, "rowsInserted(QModelIndex,int,int)",
+                         this, "childModelValueChanged()", Qt::AutoConnection);
+    MetaConnect::connect(childModel, "rowsRemoved(QModelIndex,int,int)",
+                         this, "childModelValueChanged()", Qt::AutoConnection);
 }
 
 int XOLATreeItem::roleFromName(const QString& roleName)

@@ -1,6 +1,7 @@
 #include "XOLATreeModel.h"
 
 #include "PartialModel.h"
+#include "RowIndex.h"
 #include "XOLATreeModelWorker.h"
 
 #include <QtCore/QThread>

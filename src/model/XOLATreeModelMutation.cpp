@@ -6,6 +6,7 @@
 #include "XOLATreeModel.h"
 
 #include "ItemWatch.h"
+#include "RowIndex.h"
 #include "XOLATreeModelWorker.h"
 
 #include <QtCore/QMetaMethod>
@@ -73,50 +74,58 @@ bool XOLATreeModel::forwardToWorker(const char* method, QGenericReturnArgument r
     return QMetaObject::invokeMethod(m_worker.data(), method, Qt::BlockingQueuedConnection, result, arg0, arg1);
 }
 
-// ---- row cache ---------------------------------------------------------------
+// ---- row index ---------------------------------------------------------------
+
+void XOLATreeModel::itemsReordered() const
+{
+    if (m_rowIndex)
+        m_rowIndex->invalidate();
+}
 
 int XOLATreeModel::rowOfItem(const QObject* object, bool confirmMiss) const
 {
     if (!object)
         return -1;
-    if (m_rowCacheValid && m_rowCacheSize == m_items.size()) {
-        const int row = m_rowCache.value(object, -1);
+    if (!m_rowIndex)
+        m_rowIndex.reset(new RowIndex);
+    if (m_rowIndex->isValidFor(m_items.size())) {
+        const int row = m_rowIndex->find(object);
         // A miss is confirmed by a rebuild when asked: a host may have put the
-        // object in place through GetModelItemList() since the cache was filled.
+        // object in place through GetModelItemList() since the index was built.
         if (row < 0 && !confirmMiss)
             return -1;
         if (row >= 0 && row < m_items.size() && m_items.at(row) == object)
             return row;
         // The rows were rearranged in place (through GetModelItemList()): rebuild.
     }
-    // Rebuilt after any change of the rows; the first row holding the pointer wins.
-    m_rowCache.clear();
-    m_rowCache.reserve(m_items.size());
-    for (int row = m_items.size() - 1; row >= 0; --row)
-        m_rowCache[m_items.at(row)] = row;
-    m_rowCacheSize = m_items.size();
-    m_rowCacheValid = true;
-    return m_rowCache.value(object, -1);
+    m_rowIndex->rebuild(m_items);
+    return m_rowIndex->find(object);
 }
 
 void XOLATreeModel::itemAppended(const XOLATreeItem* item) const
 {
-    // Appends keep a valid cache valid, so loading one item at a time with
+    // Appends keep a valid index valid, so loading one item at a time with
     // duplicate checks stays linear.
-    if (m_rowCacheValid && m_rowCacheSize == m_items.size() - 1) {
-        if (!m_rowCache.contains(item))
-            m_rowCache.insert(item, m_items.size() - 1);
-        m_rowCacheSize = m_items.size();
-    } else {
-        m_rowCacheValid = false;
-    }
+    if (m_rowIndex)
+        m_rowIndex->appended(item, m_items.size());
+}
+
+void XOLATreeModel::itemRemovedAt(int row, const XOLATreeItem* item) const
+{
+    // Single removals keep the index valid too: views drop rows one by one as
+    // their items stop passing, and each change would otherwise rebuild it.
+    if (m_rowIndex)
+        m_rowIndex->removed(row, item, m_items.size());
 }
 
 int XOLATreeModel::listedRow(const XOLATreeItem* item) const
 {
-    // Removals scan from the front: members usually leave from the head, and a
-    // cache would have to be rebuilt after every removal anyway.
-    return item ? m_items.indexOf(const_cast<XOLATreeItem*>(item)) : -1;
+    const int row = rowOfItem(item, false);
+    if (row >= 0 || !item)
+        return row;
+    // A miss is confirmed by a scan, cheaper than rebuilding the index for an
+    // item that is usually not there.
+    return m_items.indexOf(const_cast<XOLATreeItem*>(item));
 }
 
 // ---- disposal -----------------------------------------------------------------
@@ -175,7 +184,9 @@ void XOLATreeModel::holdItem(XOLATreeItem* item)
 
 void XOLATreeModel::releaseUnlisted(XOLATreeItem* item)
 {
-    if (!m_watch || !m_heldItems.contains(item) || m_items.contains(item))
+    // The row index answers "not listed" without a scan; it follows every
+    // removal that leads here.
+    if (!m_watch || !m_heldItems.contains(item) || rowOfItem(item, false) >= 0)
         return;
     m_heldItems.remove(item);
     m_watch->release(item, this);
@@ -630,7 +641,7 @@ void XOLATreeModel::RemoveOne(XOLATreeItem* item)
     beginRemoveRows(QModelIndex(), row, row);
     m_items.removeAt(row);
     unindex(item);
-    itemsReordered();
+    itemRemovedAt(row, item);
     endRemoveRows();
     releaseUnlisted(item);
 }

@@ -1,4 +1,5 @@
 #include "FilterModelImp.h"
+#include "MetaConnect.h"
 
 #include "FilterRules.h"
 
@@ -8,8 +9,6 @@
 #include <QtQml/QJSValue>
 
 namespace {
-const QString kRuleKey = QStringLiteral("Rule");
-
 // Up to this many changed source rows are followed item by item; a larger
 // change is followed against one snapshot of the view's ids.
 const int kFewChangedRows = 64;
@@ -91,23 +90,23 @@ void FilterModelImp::Initial()
     IXOLATreeModel* source = m_sourceModel.data();
     if (!source)
         return;
-    // String signatures, in this order: hosts that subclass the source may
-    // re-declare these signals. Row removals arrive as id lists through
-    // itemsRemoved, so rowsRemoved is deliberately not followed.
-    connect(source, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
-    connect(source, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
-            this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
-    connect(source, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
-            this, SLOT(SourceModelItemAddedHandler(const QModelIndex &, int, int)));
-    connect(source, SIGNAL(itemsRemoved(const QStringList &)), this, SLOT(SourceModelItemsRemovedHandler(const QStringList &)));
-    connect(source, SIGNAL(allItemRemoved()), this, SLOT(SourceModelAllItemRemovedHandler()));
-    connect(source, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+    // Looked up by name in the source's own class, in this order: hosts that
+    // subclass the source may re-declare these signals. Row removals arrive as
+    // id lists through itemsRemoved, so rowsRemoved is deliberately not followed.
+    MetaConnect::connect(source, "modelReset()", this, "modelReset()");
+    MetaConnect::connect(source, "dataChanged(QModelIndex,QModelIndex)",
+                         this, "SourceModelDataChangedHandler(QModelIndex,QModelIndex)");
+    MetaConnect::connect(source, "rowsInserted(QModelIndex,int,int)",
+                         this, "SourceModelItemAddedHandler(QModelIndex,int,int)");
+    MetaConnect::connect(source, "itemsRemoved(QStringList)", this, "SourceModelItemsRemovedHandler(QStringList)");
+    MetaConnect::connect(source, "allItemRemoved()", this, "SourceModelAllItemRemovedHandler()");
+    MetaConnect::connect(source, "layoutChanged()", this, "layoutChanged()");
 
     if (QList<XOLATreeItem*>* sourceItems = source->GetModelItemList()) {
         for (XOLATreeItem* item : qAsConst(*sourceItems)) {
             if (item)
-                connect(item, SIGNAL(childModelValueChanged()), this, SLOT(ChildModelValueChangedHandler()),
-                        Qt::UniqueConnection);
+                MetaConnect::connect(item, "childModelValueChanged()", this, "ChildModelValueChangedHandler()",
+                                     Qt::UniqueConnection);
         }
     }
     ReGenFilterModel();
@@ -130,7 +129,7 @@ void FilterModelImp::removeListedRow(int row)
     beginRemoveRows(QModelIndex(), row, row);
     m_items.removeAt(row);
     unindex(item);
-    itemsReordered();
+    itemRemovedAt(row, item);
     endRemoveRows();
     releaseUnlisted(item);
     emit itemsRemoved(QStringList{id});
@@ -180,15 +179,7 @@ bool FilterModelImp::MatchRule(const XOLATreeItem* item, const QList<QVariant>& 
         return true;
     if (!item)
         return false;
-    bool result = false;
-    for (const QVariant& entry : rules) {
-        const QVariantMap rule = entry.toMap();
-        // A map naming one operator is the single-comparison format, whatever else it holds.
-        result = rule.contains(kRuleKey) ? DoCheckWithVersionOne(item, rule) : DoCheckWithVersionTwo(item, rule);
-        if (result == orAllRules)
-            break;
-    }
-    if (result)
+    if (compiledRules(rules).matches(item, orAllRules))
         return true;
 
     // A parent stays visible while any of its descendants passes.
@@ -206,6 +197,18 @@ bool FilterModelImp::MatchRule(const XOLATreeItem* item, const QList<QVariant>& 
     }
     m_descentPath.remove(child);
     return descendantPasses;
+}
+
+CompiledFilterRules FilterModelImp::compiledRules(const QList<QVariant>& rules) const
+{
+    // The view's own list is the one asked for, item after item: it is read
+    // once, not once per item. A copy is handed out, cheap to make, so that a
+    // nested walk with another list cannot change it under the caller.
+    if (!rules.isSharedWith(m_compiledFrom)) {
+        m_compiled = CompiledFilterRules(rules);
+        m_compiledFrom = rules;
+    }
+    return m_compiled;
 }
 
 bool FilterModelImp::IsMatchRule(const XOLATreeItem* item)
@@ -391,8 +394,8 @@ void FilterModelImp::followFewChangedRows(int first, int last, QList<XOLATreeIte
     // One item's change, usually: decided without a snapshot of the view's ids.
     // An id is listed when the item itself is one of the rows (also after a
     // change of its id) or when the row listed under that id still has it.
-    // Rows are found by a pointer scan: after any change of the rows the row
-    // cache would have to be rebuilt, which costs far more than one scan.
+    // Rows come from the row index, which follows this view's appends and
+    // single removals, so a change of every source row stays near linear.
     IXOLATreeModel* source = m_sourceModel.data();
     for (int row = first; row <= last; ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
@@ -400,8 +403,8 @@ void FilterModelImp::followFewChangedRows(int first, int last, QList<XOLATreeIte
             continue;
         const QString id = item->id();
         XOLATreeItem* keyed = m_itemMap.value(id);
-        const int ownRow = listedRow(item);
-        const int keyedRow = !keyed ? -1 : keyed == item ? ownRow : listedRow(keyed);
+        const int ownRow = rowOfItem(item, false);
+        const int keyedRow = !keyed ? -1 : keyed == item ? ownRow : rowOfItem(keyed, false);
         const bool listed = ownRow >= 0 || (keyedRow >= 0 && keyed->id() == id);
         const bool passes = IsMatchRule(item);
         if (passes && !listed) {
@@ -473,8 +476,8 @@ void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, 
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
         if (!item)
             continue;
-        connect(item, SIGNAL(childModelValueChanged()), this, SLOT(ChildModelValueChangedHandler()),
-                Qt::UniqueConnection);
+        MetaConnect::connect(item, "childModelValueChanged()", this, "ChildModelValueChangedHandler()",
+                             Qt::UniqueConnection);
         // A row announced at the old end while the item went to the front (a
         // single prepend) names an item this view may already list; listing it
         // twice would leave a row behind when the source later drops the item.

@@ -3,6 +3,8 @@
 
 #include "XOLATreeModel.h"
 
+#include "FilterRules.h"
+
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
@@ -68,6 +70,8 @@ private:
     void removeListedRow(int row);
     //! True while the item is one of the source's rows.
     bool isListedBySource(const XOLATreeItem* item) const;
+    //! The rule list compiled; compiled again only when a different list is asked for.
+    CompiledFilterRules compiledRules(const QList<QVariant>& rules) const;
     //! Plain variants for QML objects and arrays; everything else unchanged.
     static QVariant plainRuleValue(const QVariant& value);
 
@@ -81,6 +85,8 @@ private:
     // Child models being searched right now: a tree that leads back into itself
     // must not be walked forever.
     QSet<const QObject*> m_descentPath;
+    mutable QList<QVariant> m_compiledFrom;
+    mutable CompiledFilterRules m_compiled;
 };
 
 #endif // FILTERMODELIMP_H

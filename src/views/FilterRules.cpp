@@ -1,4 +1,4 @@
-// Evaluation of one filter rule against one item.
+// Evaluation of filter rules against items.
 //
 // Equality is never tested directly: every operator is derived from the two
 // orderings of MyVariant and from its text form, so that two values that do not
@@ -10,6 +10,8 @@
 #include "MyVariant.h"
 #include "XOLATreeItem.h"
 
+#include <QtCore/QStringList>
+
 namespace {
 
 const QString kRoleNameKey = QStringLiteral("RoleName");
@@ -18,10 +20,51 @@ const QString kValueKey = QStringLiteral("Value");
 const QString kRulesKey = QStringLiteral("Rules");
 const QString kOrAllRulesKey = QStringLiteral("OrAllRules");
 
-MyVariant itemValue(const XOLATreeItem* item, const QString& roleName)
+QVariant itemValue(const XOLATreeItem* item, const QString& roleName)
 {
     // Through the item's virtual by-name form, so an item subclass answers its own roles.
-    return MyVariant(item ? item->getData(roleName) : QVariant());
+    return item ? item->getData(roleName) : QVariant();
+}
+
+bool isAscii(const QString& text)
+{
+    for (const QChar c : text) {
+        if (c.unicode() >= 0x80)
+            return false;
+    }
+    return true;
+}
+
+ushort asciiLower(ushort c)
+{
+    return c >= 'A' && c <= 'Z' ? ushort(c + ('a' - 'A')) : c;
+}
+
+// 1 or 0: whether the lowered haystack contains the (ASCII, already lowered)
+// needle; -1 when the haystack is not plain ASCII and must be lowered in full
+// (lowering other characters can give ASCII ones, as the Kelvin sign does).
+int asciiLoweredContains(const QString& haystack, const QString& needle)
+{
+    const int n = haystack.size();
+    const int m = needle.size();
+    const ushort* h = haystack.utf16();
+    const ushort* s = needle.utf16();
+    for (int i = 0; i < n; ++i) {
+        if (h[i] >= 0x80)
+            return -1;
+    }
+    if (m == 0)
+        return 1;
+    for (int i = 0; i + m <= n; ++i) {
+        if (asciiLower(h[i]) != s[0])
+            continue;
+        int j = 1;
+        while (j < m && asciiLower(h[i + j]) == s[j])
+            ++j;
+        if (j == m)
+            return 1;
+    }
+    return 0;
 }
 
 bool contains(const QString& haystack, const QString& needle)
@@ -30,12 +73,29 @@ bool contains(const QString& haystack, const QString& needle)
     return haystack.indexOf(needle, 0, Qt::CaseSensitive) >= 0;
 }
 
-bool applyOperator(const MyVariant& a, int op, const MyVariant& b)
+bool applyCheck(const QVariant& value, const CompiledFilterRules::Check& check)
 {
     // Unsigned, so negative operators are out of range as well.
-    if (static_cast<unsigned>(op) > static_cast<unsigned>(IXOLATreeModel::InsensitiveSubStr))
+    if (static_cast<unsigned>(check.op) > static_cast<unsigned>(IXOLATreeModel::InsensitiveSubStr))
         return false;
-    switch (op) {
+    switch (check.op) {
+    case IXOLATreeModel::SubStr:
+        return contains(MyVariant(value).toString(), check.text);
+    case IXOLATreeModel::InsensitiveSubStr: {
+        const QString text = MyVariant(value).toString();
+        if (check.loweredIsAscii) {
+            const int found = asciiLoweredContains(text, check.lowered);
+            if (found >= 0)
+                return found == 1;
+        }
+        return contains(text.toLower(), check.lowered);
+    }
+    default:
+        break;
+    }
+    const MyVariant a(value);
+    const MyVariant b(check.operand);
+    switch (check.op) {
     case IXOLATreeModel::Eq:
         return !(a < b) && !(a > b);
     case IXOLATreeModel::Ne:
@@ -48,42 +108,90 @@ bool applyOperator(const MyVariant& a, int op, const MyVariant& b)
         return !(a > b);
     case IXOLATreeModel::Lt:
         return a < b;
-    case IXOLATreeModel::SubStr:
-        return contains(a.toString(), b.toString());
-    case IXOLATreeModel::InsensitiveSubStr:
-        return contains(a.toString().toLower(), b.toString().toLower());
     }
     return false;
 }
 
-} // namespace
-
-bool DoCheckWithVersionOne(const XOLATreeItem* item, const QMap<QString, QVariant>& rule)
+CompiledFilterRules::Check compileCheck(int op, const QVariant& operand)
 {
-    const QString roleName = rule.value(kRoleNameKey).toString();
-    const int op = rule.value(kRuleKey).toInt();
-    const MyVariant expected(rule.value(kValueKey));
-    return applyOperator(itemValue(item, roleName), op, expected);
+    CompiledFilterRules::Check check;
+    check.op = op;
+    check.operand = operand;
+    if (op == IXOLATreeModel::SubStr || op == IXOLATreeModel::InsensitiveSubStr) {
+        check.text = MyVariant(operand).toString();
+        check.lowered = check.text.toLower();
+        check.loweredIsAscii = isAscii(check.lowered);
+    }
+    return check;
 }
 
-bool DoCheckWithVersionTwo(const XOLATreeItem* item, const QMap<QString, QVariant>& rule)
+} // namespace
+
+CompiledFilterRules::Rule CompiledFilterRules::compileRule(const QMap<QString, QVariant>& rule)
 {
-    const QString roleName = rule.value(kRoleNameKey).toString();
+    // A map naming one operator is the single-comparison format, whatever else it holds.
+    return compileRule(rule, rule.contains(kRuleKey));
+}
+
+CompiledFilterRules::Rule CompiledFilterRules::compileRule(const QMap<QString, QVariant>& rule, bool singleCheck)
+{
+    Rule compiled;
+    compiled.roleName = rule.value(kRoleNameKey).toString();
+    compiled.singleCheck = singleCheck;
+    if (singleCheck) {
+        compiled.checks.append(compileCheck(rule.value(kRuleKey).toInt(), rule.value(kValueKey)));
+        return compiled;
+    }
+    compiled.orAllRules = rule.value(kOrAllRulesKey).toBool();
     const QVariantList subRules = rule.value(kRulesKey).toList();
-    const bool orAllRules = rule.value(kOrAllRulesKey).toBool();
-    // An empty sub-rule list fails, unlike an empty top-level list, which passes.
-    if (subRules.isEmpty())
-        return false;
-    bool result = false;
+    compiled.checks.reserve(subRules.size());
     for (const QVariant& entry : subRules) {
         const QVariantMap subRule = entry.toMap();
-        const int op = subRule.value(kRuleKey).toInt();
-        const MyVariant expected(subRule.value(kValueKey));
+        compiled.checks.append(compileCheck(subRule.value(kRuleKey).toInt(), subRule.value(kValueKey)));
+    }
+    return compiled;
+}
+
+bool CompiledFilterRules::matchesRule(const XOLATreeItem* item, const Rule& rule)
+{
+    if (rule.singleCheck)
+        return applyCheck(itemValue(item, rule.roleName), rule.checks.constFirst());
+    // An empty sub-rule list fails, unlike an empty top-level list, which passes.
+    bool result = false;
+    for (const Check& check : rule.checks) {
         // Read afresh for every sub-rule: the value may be computed by the item.
-        result = applyOperator(itemValue(item, roleName), op, expected);
+        result = applyCheck(itemValue(item, rule.roleName), check);
         // "or" stops at the first pass, "and" at the first failure.
+        if (result == rule.orAllRules)
+            break;
+    }
+    return result;
+}
+
+CompiledFilterRules::CompiledFilterRules(const QList<QVariant>& rules)
+{
+    m_rules.reserve(rules.size());
+    for (const QVariant& entry : rules)
+        m_rules.append(compileRule(entry.toMap()));
+}
+
+bool CompiledFilterRules::matches(const XOLATreeItem* item, bool orAllRules) const
+{
+    bool result = false;
+    for (const Rule& rule : m_rules) {
+        result = matchesRule(item, rule);
         if (result == orAllRules)
             break;
     }
     return result;
+}
+
+bool DoCheckWithVersionOne(const XOLATreeItem* item, const QMap<QString, QVariant>& rule)
+{
+    return CompiledFilterRules::matchesRule(item, CompiledFilterRules::compileRule(rule, true));
+}
+
+bool DoCheckWithVersionTwo(const XOLATreeItem* item, const QMap<QString, QVariant>& rule)
+{
+    return CompiledFilterRules::matchesRule(item, CompiledFilterRules::compileRule(rule, false));
 }

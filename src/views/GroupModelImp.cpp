@@ -1,4 +1,5 @@
 #include "GroupModelImp.h"
+#include "MetaConnect.h"
 
 #include <QtCore/QHash>
 
@@ -12,15 +13,15 @@ GroupModelImp::GroupModelImp(IXOLATreeModel* source, int role, bool keepSortWith
     , m_groupRole(-1)
 {
     if (source) {
-        connect(source, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
-        connect(source, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
-                this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
-        connect(source, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
-                this, SLOT(SourceModelItemAddedHandler(const QModelIndex &, int, int)));
-        connect(source, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
-                this, SLOT(SourceModelItemRemovedHandler(const QModelIndex &, int, int)));
-        connect(source, SIGNAL(allItemRemoved()), this, SLOT(SourceModelAllItemRemovedHandler()));
-        connect(source, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+        MetaConnect::connect(source, "modelReset()", this, "modelReset()");
+        MetaConnect::connect(source, "dataChanged(QModelIndex,QModelIndex)",
+                             this, "SourceModelDataChangedHandler(QModelIndex,QModelIndex)");
+        MetaConnect::connect(source, "rowsInserted(QModelIndex,int,int)",
+                             this, "SourceModelItemAddedHandler(QModelIndex,int,int)");
+        MetaConnect::connect(source, "rowsRemoved(QModelIndex,int,int)",
+                             this, "SourceModelItemRemovedHandler(QModelIndex,int,int)");
+        MetaConnect::connect(source, "allItemRemoved()", this, "SourceModelAllItemRemovedHandler()");
+        MetaConnect::connect(source, "layoutChanged()", this, "layoutChanged()");
     }
     UpdateGroupRole(role);
 }

@@ -1,4 +1,5 @@
 #include "PagingModelImp.h"
+#include "MetaConnect.h"
 
 namespace {
 // A page size of 0 means "everything on one page".
@@ -30,14 +31,14 @@ PagingModelImp::PagingModelImp(IXOLATreeModel* source, unsigned int numPerPage)
     setTotalPage(CalcTotalPage());
     m_lastRowCount = rowCount();
     if (source) {
-        connect(source, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
-        connect(source, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
-                this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
-        connect(source, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
-                this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
-        connect(source, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
-                this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
-        connect(source, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+        MetaConnect::connect(source, "modelReset()", this, "modelReset()");
+        MetaConnect::connect(source, "dataChanged(QModelIndex,QModelIndex)",
+                             this, "SourceModelDataChangedHandler(QModelIndex,QModelIndex)");
+        MetaConnect::connect(source, "rowsInserted(QModelIndex,int,int)",
+                             this, "SourceModelCountChangedHandler(QModelIndex,int,int)");
+        MetaConnect::connect(source, "rowsRemoved(QModelIndex,int,int)",
+                             this, "SourceModelCountChangedHandler(QModelIndex,int,int)");
+        MetaConnect::connect(source, "layoutChanged()", this, "layoutChanged()");
     }
 }
 

@@ -1,4 +1,5 @@
 #include "PartialModel.h"
+#include "MetaConnect.h"
 
 #include "IXOLATreeModel.h"
 
@@ -8,14 +9,14 @@ PartialModel::PartialModel(QObject* sourceModel, QObject* parent)
 {
     if (!sourceModel)
         return;
-    QObject::connect(sourceModel, SIGNAL(modelReset()), this, SIGNAL(modelReset()));
-    QObject::connect(sourceModel, SIGNAL(dataChanged(const QModelIndex &, const QModelIndex &)),
-                     this, SLOT(SourceModelDataChangedHandler(const QModelIndex &, const QModelIndex &)));
-    QObject::connect(sourceModel, SIGNAL(rowsInserted(const QModelIndex &, int, int)),
-                     this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
-    QObject::connect(sourceModel, SIGNAL(rowsRemoved(const QModelIndex &, int, int)),
-                     this, SLOT(SourceModelCountChangedHandler(const QModelIndex &, int, int)));
-    QObject::connect(sourceModel, SIGNAL(layoutChanged()), this, SIGNAL(layoutChanged()));
+    MetaConnect::connect(sourceModel, "modelReset()", this, "modelReset()");
+    MetaConnect::connect(sourceModel, "dataChanged(QModelIndex,QModelIndex)",
+                         this, "SourceModelDataChangedHandler(QModelIndex,QModelIndex)");
+    MetaConnect::connect(sourceModel, "rowsInserted(QModelIndex,int,int)",
+                         this, "SourceModelCountChangedHandler(QModelIndex,int,int)");
+    MetaConnect::connect(sourceModel, "rowsRemoved(QModelIndex,int,int)",
+                         this, "SourceModelCountChangedHandler(QModelIndex,int,int)");
+    MetaConnect::connect(sourceModel, "layoutChanged()", this, "layoutChanged()");
 }
 
 PartialModel::~PartialModel() = default;
