@@ -61,12 +61,17 @@ signals:
 private:
     static int roleFromName(const QString& roleName);
     void connectChildModel(QObject* childModel);
+    //! The value map, made from the three fields the first time it is needed.
+    QMap<QString, QVariant>& values() const;
 
     QString m_id;
     QString m_name;
     // Guarded: a child model deleted by its owner reads as none, never as a dangling pointer.
     QPointer<QObject> m_childModel;
-    QMap<QString, QVariant> m_values;
+    // Most items never have their map read: until then it would only repeat
+    // the three fields, so it is made on first use.
+    mutable QMap<QString, QVariant> m_values;
+    mutable bool m_valuesMade = false;
 };
 
 #endif // XOLATREEITEM_H

@@ -4,7 +4,6 @@
 #include "ItemWatch.h"
 
 #include <QtCore/QAbstractItemModel>
-#include <QtCore/QHash>
 #include <QtQml/QQmlEngine>
 
 namespace {
@@ -25,11 +24,12 @@ XOLATreeItem::XOLATreeItem(const QString& id, const QString& name, QObject* chil
     , m_name(name)
     , m_childModel(childModel)
 {
-    m_values.insert(kIdKey, QVariant(id));
-    m_values.insert(kNameKey, QVariant(name));
-    m_values.insert(kChildModelKey, objectVariant(childModel));
-    if (childModel)
+    if (childModel) {
+        // An item with a child model has its map made now: the map records the
+        // model's address as given, also after the model is gone.
+        values();
         connectChildModel(childModel);
+    }
     QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
 }
 
@@ -58,12 +58,13 @@ int XOLATreeItem::roleFromName(const QString& roleName)
 {
     // Only the three fixed fields have names here; free keys of the value map
     // are reached through the whole map (JsonValueRole) or by a subclass.
-    const QHash<int, QByteArray> names{{IdRole, "idRole"}, {NameRole, "nameRole"}, {ChildModelRole, "childModelRole"}};
-    const QByteArray wanted = roleName.toLatin1();
-    for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
-        if (it.value() == wanted)
-            return it.key();
-    }
+    // Compared as text: filters ask for every item, so nothing is built per call.
+    if (roleName == QLatin1String("idRole"))
+        return IdRole;
+    if (roleName == QLatin1String("nameRole"))
+        return NameRole;
+    if (roleName == QLatin1String("childModelRole"))
+        return ChildModelRole;
     return 0;
 }
 
@@ -83,20 +84,33 @@ QVariant XOLATreeItem::getData(int role) const
     }
 }
 
+QMap<QString, QVariant>& XOLATreeItem::values() const
+{
+    if (!m_valuesMade) {
+        // What the map holds until SetJsonValue() replaces it: the three fields.
+        m_values.insert(kIdKey, QVariant(m_id));
+        m_values.insert(kNameKey, QVariant(m_name));
+        m_values.insert(kChildModelKey, objectVariant(m_childModel.data()));
+        m_valuesMade = true;
+    }
+    return m_values;
+}
+
 QMap<QString, QVariant> XOLATreeItem::jsonValue() const
 {
+    const QMap<QString, QVariant>& map = values();
     // The child model is not the item's: whoever owns it may delete it, and the
     // field then reads as none. The map must read the same, never handing out
     // the address of a deleted model (which a later SetJsonValue of this very
     // map would follow).
-    const auto entry = m_values.constFind(kChildModelKey);
-    if (entry != m_values.constEnd() && entry->userType() == QMetaType::QObjectStar
+    const auto entry = map.constFind(kChildModelKey);
+    if (entry != map.constEnd() && entry->userType() == QMetaType::QObjectStar
         && *static_cast<QObject* const*>(entry->constData()) != m_childModel.data()) {
-        QMap<QString, QVariant> values = m_values;
-        values.insert(kChildModelKey, objectVariant(m_childModel.data()));
-        return values;
+        QMap<QString, QVariant> copy = map;
+        copy.insert(kChildModelKey, objectVariant(m_childModel.data()));
+        return copy;
     }
-    return m_values;
+    return map;
 }
 
 QVariant XOLATreeItem::getData(const QString& roleName) const
@@ -134,7 +148,8 @@ void XOLATreeItem::SetID(const QString& id)
     if (id == m_id)
         return;
     m_id = id;
-    m_values[kIdKey] = QVariant(id);
+    if (m_valuesMade)
+        m_values[kIdKey] = QVariant(id);
     emit valueChanged();
 }
 
@@ -143,7 +158,8 @@ void XOLATreeItem::SetName(const QString& name)
     if (name == m_name)
         return;
     m_name = name;
-    m_values[kNameKey] = QVariant(name);
+    if (m_valuesMade)
+        m_values[kNameKey] = QVariant(name);
     emit valueChanged();
 }
 
@@ -163,13 +179,13 @@ void XOLATreeItem::SetChildModel(QObject* childModel)
         return;
     }
     m_childModel = childModel;
-    m_values[kChildModelKey] = objectVariant(childModel);
+    values()[kChildModelKey] = objectVariant(childModel);
     emit valueChanged();
 }
 
 void XOLATreeItem::SetJsonValue(const QMap<QString, QVariant>& value)
 {
-    if (value == m_values)
+    if (value == values())
         return;
     m_values = value;
     // The non-const subscript is wanted: a map without one of the fixed keys

@@ -183,7 +183,12 @@ bool MyVariant::operator>(const MyVariant& other) const
 
 QString MyVariant::toString() const
 {
-    if (m_value.type() == QVariant::StringList)
-        return m_value.toStringList().join(QLatin1String(kStringListSeparator));
-    return m_value.toString();
+    return textOf(m_value);
+}
+
+QString MyVariant::textOf(const QVariant& value)
+{
+    if (value.type() == QVariant::StringList)
+        return value.toStringList().join(QLatin1String(kStringListSeparator));
+    return value.toString();
 }

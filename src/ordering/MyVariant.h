@@ -35,6 +35,8 @@ public:
     bool operator<(const MyVariant& other) const;
     bool operator>(const MyVariant& other) const;
     QString toString() const;
+    //! What toString() gives for a MyVariant of this value.
+    static QString textOf(const QVariant& value);
 
     const QVariant& value() const { return m_value; }
     bool ascending() const { return m_ascending; }

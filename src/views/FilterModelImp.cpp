@@ -224,6 +224,7 @@ bool FilterModelImp::ReGenFilterModel()
     if (!source)
         return false;
     QList<XOLATreeItem*> passing;
+    passing.reserve(source->rowCount());
     for (int row = 0; row < source->rowCount(); ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
         if (item && IsMatchRule(item))

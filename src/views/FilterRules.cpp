@@ -80,9 +80,9 @@ bool applyCheck(const QVariant& value, const CompiledFilterRules::Check& check)
         return false;
     switch (check.op) {
     case IXOLATreeModel::SubStr:
-        return contains(MyVariant(value).toString(), check.text);
+        return contains(MyVariant::textOf(value), check.text);
     case IXOLATreeModel::InsensitiveSubStr: {
-        const QString text = MyVariant(value).toString();
+        const QString text = MyVariant::textOf(value);
         if (check.loweredIsAscii) {
             const int found = asciiLoweredContains(text, check.lowered);
             if (found >= 0)
