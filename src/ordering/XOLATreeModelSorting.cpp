@@ -354,6 +354,170 @@ void XOLATreeModel::SortByRoleByScriptFunction(const QString& roleName, bool asc
 
 // ---- by rules ---------------------------------------------------------------------
 
+namespace {
+
+// The rules' comparison is QVariant's: three-way, case-insensitive for strings,
+// and a missing (null) value makes a rule undecided. Where every rule's values
+// are of one type whose QVariant order is a strict weak order, the values can
+// be replaced by their ranks, and the multi-insertion order is then a stable
+// sort of the reversed rows (ties compare false both ways, so each new row
+// goes before the rows it ties with).
+enum class RuleRanks { Ranked, NeverDecides, Unranked };
+
+template <typename T, typename Extract, typename Compare>
+RuleRanks denseRanks(const QVector<QVariant>& values, Extract extract, Compare compare, QVector<int>& ranks)
+{
+    const int n = values.size();
+    std::vector<std::pair<T, int>> entries;
+    entries.reserve(size_t(n));
+    for (int i = 0; i < n; ++i)
+        entries.emplace_back(extract(values.at(i)), i);
+    std::sort(entries.begin(), entries.end(), [&compare](const std::pair<T, int>& a, const std::pair<T, int>& b) {
+        return compare(a.first, b.first) < 0;
+    });
+    ranks.resize(n);
+    int rank = 0;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        if (i > 0 && compare(entries[i - 1].first, entries[i].first) != 0)
+            ++rank;
+        ranks[entries[i].second] = rank;
+    }
+    return RuleRanks::Ranked;
+}
+
+// Strings compare without regard to case, and two different strings equal but
+// for case each compare greater than the other: rows holding such strings have
+// no order, and only the multi-insertion places them. Rows usually share few
+// distinct strings, so only those are sorted.
+RuleRanks rankStrings(const QVector<QVariant>& values, QVector<int>& ranks)
+{
+    QHash<QString, int> indexOf;
+    QVector<QString> distinct;
+    QVector<int> distinctIndex(values.size());
+    for (int i = 0; i < values.size(); ++i) {
+        const QString text = values.at(i).toString();
+        auto it = indexOf.find(text);
+        if (it == indexOf.end()) {
+            it = indexOf.insert(text, distinct.size());
+            distinct.append(text);
+        }
+        distinctIndex[i] = it.value();
+    }
+    std::vector<int> order(size_t(distinct.size()));
+    for (int i = 0; i < distinct.size(); ++i)
+        order[size_t(i)] = i;
+    std::sort(order.begin(), order.end(), [&distinct](int a, int b) {
+        return QString::compare(distinct.at(a), distinct.at(b), Qt::CaseInsensitive) < 0;
+    });
+    QVector<int> rankOfDistinct(distinct.size());
+    for (size_t i = 0; i < order.size(); ++i) {
+        // Distinct strings that compare equal differ only in case.
+        if (i > 0 && QString::compare(distinct.at(order[i - 1]), distinct.at(order[i]), Qt::CaseInsensitive) == 0)
+            return RuleRanks::Unranked;
+        rankOfDistinct[order[i]] = int(i);
+    }
+    ranks.resize(values.size());
+    for (int i = 0; i < values.size(); ++i)
+        ranks[i] = rankOfDistinct.at(distinctIndex.at(i));
+    return RuleRanks::Ranked;
+}
+
+RuleRanks rankRuleValues(const QList<XOLATreeItem*>& items, int role, QVector<int>& ranks)
+{
+    QVector<QVariant> values;
+    values.reserve(items.size());
+    int nulls = 0;
+    for (const XOLATreeItem* item : items) {
+        values.append(item->getData(role));
+        if (values.constLast().isNull())
+            ++nulls;
+    }
+    if (nulls == values.size())
+        return RuleRanks::NeverDecides;
+    if (nulls > 0)
+        return RuleRanks::Unranked; // a missing value ties with everything: no order
+    const int type = values.constFirst().userType();
+    for (const QVariant& value : qAsConst(values)) {
+        if (value.userType() != type)
+            return RuleRanks::Unranked;
+    }
+    switch (type) {
+    case QMetaType::Int:
+        return denseRanks<int>(values, [](const QVariant& v) { return v.toInt(); },
+                               [](int a, int b) { return a < b ? -1 : (b < a ? 1 : 0); }, ranks);
+    case QMetaType::UInt:
+        return denseRanks<uint>(values, [](const QVariant& v) { return v.toUInt(); },
+                                [](uint a, uint b) { return a < b ? -1 : (b < a ? 1 : 0); }, ranks);
+    case QMetaType::LongLong:
+        return denseRanks<qlonglong>(values, [](const QVariant& v) { return v.toLongLong(); },
+                                     [](qlonglong a, qlonglong b) { return a < b ? -1 : (b < a ? 1 : 0); }, ranks);
+    case QMetaType::ULongLong:
+        return denseRanks<qulonglong>(values, [](const QVariant& v) { return v.toULongLong(); },
+                                      [](qulonglong a, qulonglong b) { return a < b ? -1 : (b < a ? 1 : 0); },
+                                      ranks);
+    case QMetaType::QDate:
+        return denseRanks<QDate>(values, [](const QVariant& v) { return v.toDate(); },
+                                 [](const QDate& a, const QDate& b) { return a < b ? -1 : (b < a ? 1 : 0); },
+                                 ranks);
+    case QMetaType::QTime:
+        return denseRanks<QTime>(values, [](const QVariant& v) { return v.toTime(); },
+                                 [](const QTime& a, const QTime& b) { return a < b ? -1 : (b < a ? 1 : 0); },
+                                 ranks);
+    case QMetaType::QString:
+        return rankStrings(values, ranks);
+    default:
+        return RuleRanks::Unranked;
+    }
+}
+
+// The multi-insertion order of the rows by ranks, or false when some rule's
+// values have no ranks.
+bool rankedRulesOrder(const QList<XOLATreeItem*>& items, const MyVariantEx::ResolvedRules& rules,
+                      QList<XOLATreeItem*>& order)
+{
+    for (const XOLATreeItem* item : items) {
+        if (!item)
+            return false;
+    }
+    struct RankedRule
+    {
+        QVector<int> ranks;
+        bool ascending;
+    };
+    std::vector<RankedRule> ranked;
+    for (const MyVariantEx::ResolvedRule& rule : rules) {
+        RankedRule r{QVector<int>(), rule.ascending};
+        switch (rankRuleValues(items, rule.role, r.ranks)) {
+        case RuleRanks::Unranked:
+            return false;
+        case RuleRanks::NeverDecides:
+            break;
+        case RuleRanks::Ranked:
+            ranked.push_back(std::move(r));
+            break;
+        }
+    }
+    std::vector<int> rows(size_t(items.size()));
+    for (int i = 0; i < items.size(); ++i)
+        rows[size_t(i)] = items.size() - 1 - i;
+    std::stable_sort(rows.begin(), rows.end(), [&ranked](int a, int b) {
+        for (const RankedRule& rule : ranked) {
+            const int ra = rule.ranks.at(a);
+            const int rb = rule.ranks.at(b);
+            if (ra != rb)
+                return rule.ascending ? ra < rb : ra > rb;
+        }
+        return false;
+    });
+    order.clear();
+    order.reserve(items.size());
+    for (int row : rows)
+        order.append(items.at(row));
+    return true;
+}
+
+} // namespace
+
 void XOLATreeModel::SortByRules(const QVariantList& rules, int flag)
 {
     m_sortFlag = flag;
@@ -368,19 +532,30 @@ void XOLATreeModel::SortByRules(const QVariantList& rules, int flag)
     const bool sortChildren = flag == RecursiveKeepSorting && !keepsRemovedItems();
     SortingChildrenScope scope(this);
 
-    // QVariant's own ordering is not consistent for strings, so the rows always
-    // go through a real multi-insertion here.
-    QMultiMap<MyVariantEx, XOLATreeItem*> map;
     const QList<XOLATreeItem*> items = m_items;
-    for (XOLATreeItem* item : items) {
-        QObject* childModel = item ? item->childModel() : nullptr;
-        if (sortChildren && childModel && !modelsSortingChildren().contains(childModel)) {
-            if (auto* child = qobject_cast<IXOLATreeModel*>(childModel))
-                child->SortByRules(m_sortRules, RecursiveKeepSorting);
+    // Children first, in row order: every comparison below sees rows whose
+    // children are already in order.
+    if (sortChildren) {
+        for (XOLATreeItem* item : items) {
+            QObject* childModel = item ? item->childModel() : nullptr;
+            if (childModel && !modelsSortingChildren().contains(childModel)) {
+                if (auto* child = qobject_cast<IXOLATreeModel*>(childModel))
+                    child->SortByRules(m_sortRules, RecursiveKeepSorting);
+            }
         }
-        map.insert(MyVariantEx(item, rules, names, resolved), item);
     }
-    m_items = map.values();
+
+    QList<XOLATreeItem*> order;
+    if (!rankedRulesOrder(items, *resolved, order)) {
+        // QVariant's own ordering is not consistent for strings that differ
+        // only in case, nor with missing values: those rows go through a real
+        // multi-insertion.
+        QMultiMap<MyVariantEx, XOLATreeItem*> map;
+        for (XOLATreeItem* item : items)
+            map.insert(MyVariantEx(item, rules, names, resolved), item);
+        order = map.values();
+    }
+    m_items = order;
     itemsReordered();
     emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
 }

@@ -226,6 +226,7 @@ private slots:
     void builtInMixedTypesMatchMultiInsertion();
     void largeIntListMatchesGeneralPath();
     void rulesMatchMultiInsertion();
+    void rulesOverCompleteValuesMatchMultiInsertion();
 };
 
 void TestSortProperty::callerComparisonMatchesMultiInsertion_data()
@@ -355,60 +356,107 @@ void TestSortProperty::largeIntListMatchesGeneralPath()
         QCOMPARE(sortedIds(values, ascending), sortedIds(values, ascending, builtIn));
 }
 
+namespace {
+
+// Random rows sorted by random rules, compared with multi-inserting the same
+// rows. With complete values every row has a value for every known role and no
+// two names differ only in case, so the comparison orders the rows.
+void checkRulesAgainstMultiInsertion(uint seed, bool completeValues)
+{
+    const QStringList roles{"nameRole", "valueRole", "groupRole", "textRole", "noSuchRole", "idRole"};
+    Generator g(seed);
+    const int size = completeValues ? uniform(g, 0, 300) : uniform(g, 0, 25);
+    QList<XOLATreeItem*> rows;
+    QList<RuleReferenceKey> keys;
+    static const char* const names[] = {"a", "B", "b", "A", "c"};
+    static const char* const distinctNames[] = {"a", "B", "c", "D", "\u00e9", "ab"};
+    // One value type per sort, as hosts fill a role from one kind of data.
+    const int valueKind = uniform(g, 0, 3);
+    for (int i = 0; i < size; ++i) {
+        const QString name = completeValues ? QString::fromUtf8(distinctNames[uniform(g, 0, 5)])
+                                            : QString::fromLatin1(names[uniform(g, 0, 4)]);
+        QVariant value;
+        if (completeValues || uniform(g, 0, 4) != 0) {
+            const int n = uniform(g, 0, 3);
+            switch (valueKind) {
+            case 1:
+                value = QVariant(qlonglong(n) - 2);
+                break;
+            case 2:
+                value = QVariant(QDate(2021, 3, 1).addDays(n));
+                break;
+            case 3:
+                value = QVariant(uint(n));
+                break;
+            default:
+                value = QVariant(n);
+                break;
+            }
+        }
+        const QVariant group = !completeValues && uniform(g, 0, 3) == 0 ? QVariant()
+                                                                        : QVariant(uniform(g, 0, 1) ? "x" : "y");
+        auto* item = new ValueItem(QStringLiteral("i%1").arg(i), name, value);
+        if (group.isValid())
+            item->setExtra(kGroupRole, group);
+        rows << item;
+        RuleReferenceKey key;
+        key.data.insert("idRole", item->id());
+        key.data.insert("nameRole", name);
+        key.data.insert("valueRole", value);
+        key.data.insert("groupRole", group);
+        keys << key;
+    }
+    QVariantList rules;
+    const int ruleCount = uniform(g, 0, 3);
+    for (int r = 0; r < ruleCount; ++r) {
+        // The id decides every tie it meets; without complete values it is left out,
+        // so that ties stay common.
+        const int last = completeValues ? roles.size() - 1 : roles.size() - 2;
+        QVariantMap rule{{"RoleName", roles.at(uniform(g, 0, last))}};
+        if (uniform(g, 0, 4) != 0)
+            rule.insert("Ascending", bool(uniform(g, 0, 1)));
+        rules << rule;
+    }
+
+    QMultiMap<RuleReferenceKey, QString> reference;
+    for (RuleReferenceKey& key : keys) {
+        key.rules = &rules;
+        reference.insert(key, key.data.value("idRole").toString());
+    }
+
+    QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
+    model->AppendItemsList(rows);
+    model->SortByRules(rules);
+    QCOMPARE(ids(model.data()), reference.values());
+
+    // Sorting again starts from the new order.
+    QMultiMap<RuleReferenceKey, QString> again;
+    const QStringList current = ids(model.data());
+    for (const QString& id : current) {
+        const int index = id.mid(1).toInt();
+        again.insert(keys.at(index), id);
+    }
+    model->SortByRules(rules, 1);
+    QCOMPARE(ids(model.data()), again.values());
+}
+
+} // namespace
+
 void TestSortProperty::rulesMatchMultiInsertion()
 {
-    const QStringList roles{"nameRole", "valueRole", "groupRole", "textRole", "noSuchRole"};
     for (uint seed = 1; seed <= 80; ++seed) {
-        Generator g(seed);
-        // Rows with random names, values and groups, some of them missing.
-        const int size = uniform(g, 0, 25);
-        QList<XOLATreeItem*> rows;
-        QList<RuleReferenceKey> keys;
-        static const char* const names[] = {"a", "B", "b", "A", "c"};
-        for (int i = 0; i < size; ++i) {
-            const QString name = QString::fromLatin1(names[uniform(g, 0, 4)]);
-            const QVariant value = uniform(g, 0, 4) == 0 ? QVariant() : QVariant(uniform(g, 0, 3));
-            const QVariant group = uniform(g, 0, 3) == 0 ? QVariant() : QVariant(uniform(g, 0, 1) ? "x" : "y");
-            auto* item = new ValueItem(QStringLiteral("i%1").arg(i), name, value);
-            if (group.isValid())
-                item->setExtra(kGroupRole, group);
-            rows << item;
-            RuleReferenceKey key;
-            key.data.insert("idRole", item->id());
-            key.data.insert("nameRole", name);
-            key.data.insert("valueRole", value);
-            key.data.insert("groupRole", group);
-            keys << key;
-        }
-        QVariantList rules;
-        const int ruleCount = uniform(g, 0, 3);
-        for (int r = 0; r < ruleCount; ++r) {
-            QVariantMap rule{{"RoleName", roles.at(uniform(g, 0, roles.size() - 1))}};
-            if (uniform(g, 0, 4) != 0)
-                rule.insert("Ascending", bool(uniform(g, 0, 1)));
-            rules << rule;
-        }
+        checkRulesAgainstMultiInsertion(seed, false);
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable(QStringLiteral("seed %1").arg(seed)));
+    }
+}
 
-        QMultiMap<RuleReferenceKey, QString> reference;
-        for (RuleReferenceKey& key : keys) {
-            key.rules = &rules;
-            reference.insert(key, key.data.value("idRole").toString());
-        }
-
-        QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
-        model->AppendItemsList(rows);
-        model->SortByRules(rules);
-        QCOMPARE(ids(model.data()), reference.values());
-
-        // Sorting again starts from the new order.
-        QMultiMap<RuleReferenceKey, QString> again;
-        const QStringList current = ids(model.data());
-        for (const QString& id : current) {
-            const int index = id.mid(1).toInt();
-            again.insert(keys.at(index), id);
-        }
-        model->SortByRules(rules, 1);
-        QCOMPARE(ids(model.data()), again.values());
+void TestSortProperty::rulesOverCompleteValuesMatchMultiInsertion()
+{
+    for (uint seed = 1; seed <= 120; ++seed) {
+        checkRulesAgainstMultiInsertion(seed, true);
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
 }
 
