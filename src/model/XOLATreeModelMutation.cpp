@@ -176,10 +176,11 @@ void XOLATreeModel::holdItem(XOLATreeItem* item)
         if (!m_watch)
             return;
     }
-    if (m_heldItems.contains(item))
-        return;
+    // One lookup: the set grows only for an item not held yet.
+    const int held = m_heldItems.size();
     m_heldItems.insert(item);
-    m_watch->hold(item, this);
+    if (m_heldItems.size() != held)
+        m_watch->hold(item, this);
 }
 
 void XOLATreeModel::releaseUnlisted(XOLATreeItem* item)

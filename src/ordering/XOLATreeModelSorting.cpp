@@ -61,11 +61,11 @@ RoleValues readRoleValues(const QList<XOLATreeItem*>& items, int role)
     RoleValues result;
     result.valued.reserve(items.size());
     for (XOLATreeItem* item : items) {
-        const QVariant value = item ? item->getData(role) : QVariant();
+        QVariant value = item ? item->getData(role) : QVariant();
         if (isInvalidValue(value))
             result.invalid.append(item);
         else
-            result.valued.append({value, item});
+            result.valued.append(ValuedItem{std::move(value), item});
     }
     return result;
 }
@@ -165,31 +165,38 @@ QVariant::Type uniformOrderedType(const QVector<ValuedItem>& valued)
     return type;
 }
 
+// The value a variant holds, read in place: the caller has checked its type.
+template <typename T>
+const T& stored(const QVariant& value)
+{
+    return *static_cast<const T*>(value.constData());
+}
+
 // The order of the built-in, type-aware comparison.
 QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascending)
 {
     switch (uniformOrderedType(valued)) {
     case QVariant::Bool:
-        return stableOrder<bool>(valued, ascending, [](const QVariant& v) { return v.toBool(); },
+        return stableOrder<bool>(valued, ascending, [](const QVariant& v) { return stored<bool>(v); },
                                  [](bool a, bool b) { return !a && b; });
     case QVariant::Int:
-        return stableOrder<int>(valued, ascending, [](const QVariant& v) { return v.toInt(); }, std::less<int>());
+        return stableOrder<int>(valued, ascending, [](const QVariant& v) { return stored<int>(v); }, std::less<int>());
     case QVariant::UInt:
-        return stableOrder<uint>(valued, ascending, [](const QVariant& v) { return v.toUInt(); }, std::less<uint>());
+        return stableOrder<uint>(valued, ascending, [](const QVariant& v) { return stored<uint>(v); }, std::less<uint>());
     case QVariant::LongLong:
-        return stableOrder<qlonglong>(valued, ascending, [](const QVariant& v) { return v.toLongLong(); },
+        return stableOrder<qlonglong>(valued, ascending, [](const QVariant& v) { return stored<qlonglong>(v); },
                                       std::less<qlonglong>());
     case QVariant::ULongLong:
-        return stableOrder<qulonglong>(valued, ascending, [](const QVariant& v) { return v.toULongLong(); },
+        return stableOrder<qulonglong>(valued, ascending, [](const QVariant& v) { return stored<qulonglong>(v); },
                                        std::less<qulonglong>());
     case QVariant::Double:
-        return stableOrder<double>(valued, ascending, [](const QVariant& v) { return v.toDouble(); },
+        return stableOrder<double>(valued, ascending, [](const QVariant& v) { return stored<double>(v); },
                                    std::less<double>());
     case QVariant::Char:
         return stableOrder<QChar>(valued, ascending, [](const QVariant& v) { return v.toChar(); },
                                   [](QChar a, QChar b) { return a < b; });
     case QVariant::String:
-        return stableOrder<QString>(valued, ascending, [](const QVariant& v) { return v.toString(); },
+        return stableOrder<QString>(valued, ascending, [](const QVariant& v) { return stored<QString>(v); },
                                     [](const QString& a, const QString& b) { return a < b; });
     case QVariant::ByteArray:
         return stableOrder<QByteArray>(valued, ascending, [](const QVariant& v) { return v.toByteArray(); },
@@ -252,7 +259,8 @@ void XOLATreeModel::SortByRole(int role, bool ascending, PF_LESS_THAN pfLessThan
         });
     } else {
         const RoleValues values = readRoleValues(m_items, role);
-        m_items = builtInOrder(values.valued, ascending) + values.invalid;
+        m_items = builtInOrder(values.valued, ascending);
+        m_items.append(values.invalid);
     }
     itemsReordered();
     // Rows are rebuilt, not moved: views re-read every row.
