@@ -664,6 +664,54 @@ private slots:
         delete b; // handed back by the removal by id
     }
 
+    void valueChange_rowsFollowedThroughLongRunsOfRemovalsAndAppends()
+    {
+        // Given 40 rows, then many single removals (by id and by row) and
+        // appends; half way through, one object is listed a second time
+        QStringList start;
+        for (int i = 0; i < 40; ++i)
+            start << QStringLiteral("r%1").arg(i);
+        ModelPtr model = modelWith(start);
+        XOLATreeItem* twice = at(model.get(), 5);
+        SignalLog log(model.get());
+        uint state = 7;
+        auto next = [&state](int bound) {
+            state = state * 1103515245u + 12345u;
+            return int((state >> 8) % uint(bound));
+        };
+        int added = 0;
+        for (int step = 0; step < 300; ++step) {
+            if (step == 150)
+                QVERIFY(model->AppendItem(twice));
+            const int count = model->rowCount();
+            const int choice = next(4);
+            if (choice == 0 && count > 2) {
+                XOLATreeItem* victim = at(model.get(), next(count));
+                if (victim != twice)
+                    QVERIFY(model->RemoveOne(victim->id()));
+            } else if (choice == 1 && count > 2) {
+                const int row = next(count);
+                if (at(model.get(), row) != twice)
+                    QVERIFY(model->Remove(row, row));
+            } else {
+                QVERIFY(model->AppendItem(item(QStringLiteral("n%1").arg(added++))));
+            }
+            log.clear();
+            // When any listed item changes
+            const int row = next(model->rowCount());
+            XOLATreeItem* changed = at(model.get(), row);
+            int first = 0;
+            while (at(model.get(), first) != changed)
+                ++first;
+            changed->SetName(QStringLiteral("s%1").arg(step));
+            // Then its first row is the one announced, once per time it was listed.
+            QStringList expected({dataChanged(first, first)});
+            if (changed == twice && step >= 150)
+                expected << dataChanged(first, first);
+            QCOMPARE(log.take(), expected);
+        }
+    }
+
     void valueChange_eachChangeIsOneNotice()
     {
         ModelPtr model = modelWith({"a", "b"});
