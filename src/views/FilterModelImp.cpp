@@ -376,7 +376,7 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
             connectItem(item);
             m_items.append(item);
             m_itemMap.insert(item->id(), item);
-            // Keeps the row cache current (or marks it stale) for the new row.
+            // Keeps the row index current (or marks it stale) for the new row.
             itemAppended(item);
         }
         // Announced once the rows are in place, as the bulk loaders do.
@@ -521,7 +521,7 @@ void FilterModelImp::ChildModelValueChangedHandler()
     auto* item = qobject_cast<XOLATreeItem*>(sender());
     if (!item || !m_sourceModel)
         return;
-    // One item: a pointer scan is cheaper than rebuilding a stale row cache.
+    // Found through the row index; a miss is confirmed by a scan of the rows.
     const bool listed = listedRow(item) >= 0;
     if (!isListedBySource(item)) {
         if (listed)
