@@ -1,7 +1,7 @@
 #include "XOLATreeItem.h"
-#include "MetaConnect.h"
 
 #include "ItemWatch.h"
+#include "MetaConnect.h"
 
 #include <QtCore/QAbstractItemModel>
 #include <QtQml/QQmlEngine>

@@ -1,7 +1,7 @@
 #include "FilterModelImp.h"
-#include "MetaConnect.h"
 
 #include "FilterRules.h"
+#include "MetaConnect.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QMetaType>

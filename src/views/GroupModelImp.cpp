@@ -1,4 +1,5 @@
 #include "GroupModelImp.h"
+
 #include "MetaConnect.h"
 
 #include <QtCore/QHash>

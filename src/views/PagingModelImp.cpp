@@ -1,4 +1,5 @@
 #include "PagingModelImp.h"
+
 #include "MetaConnect.h"
 
 namespace {

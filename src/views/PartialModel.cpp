@@ -1,7 +1,7 @@
 #include "PartialModel.h"
-#include "MetaConnect.h"
 
 #include "IXOLATreeModel.h"
+#include "MetaConnect.h"
 
 PartialModel::PartialModel(QObject* sourceModel, QObject* parent)
     : QAbstractListModel(parent)
