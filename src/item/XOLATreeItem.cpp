@@ -2,6 +2,7 @@
 
 #include "ItemWatch.h"
 #include "MetaConnect.h"
+#include "VariantRules.h"
 
 #include <QtCore/QAbstractItemModel>
 #include <QtQml/QQmlEngine>
@@ -122,16 +123,16 @@ void XOLATreeItem::setData(int role, QVariant value)
 {
     switch (role) {
     case IdRole:
-        SetID(value.toString());
+        SetID(VariantRules::toString(value));
         break;
     case NameRole:
-        SetName(value.toString());
+        SetName(VariantRules::toString(value));
         break;
     case ChildModelRole:
         SetChildModel(qvariant_cast<QObject*>(value));
         break;
     case JsonValueRole:
-        SetJsonValue(value.toMap());
+        SetJsonValue(VariantRules::toMap(value));
         break;
     default:
         break;
@@ -185,13 +186,13 @@ void XOLATreeItem::SetChildModel(QObject* childModel)
 
 void XOLATreeItem::SetJsonValue(const QMap<QString, QVariant>& value)
 {
-    if (value == values())
+    if (VariantRules::equals(value, values()))
         return;
     m_values = value;
     // The non-const subscript is wanted: a map without one of the fixed keys
     // gains it, so a value without "idRole" clears the id.
-    SetID(m_values[kIdKey].toString());
-    SetName(m_values[kNameKey].toString());
+    SetID(VariantRules::toString(m_values[kIdKey]));
+    SetName(VariantRules::toString(m_values[kNameKey]));
     SetChildModel(qvariant_cast<QObject*>(m_values[kChildModelKey]));
     emit valueChanged();
 }

@@ -12,7 +12,7 @@ XOLATreeModelWorker::~XOLATreeModelWorker() = default;
 
 QVariant XOLATreeModelWorker::toVariant(XOLATreeItem* item)
 {
-    return QVariant(QMetaType::VoidStar, &item);
+    return QVariant::fromValue(static_cast<void*>(item));
 }
 
 QVariantList XOLATreeModelWorker::toVariantList(const QList<XOLATreeItem*>& items)
@@ -29,7 +29,11 @@ XOLATreeItem* XOLATreeModelWorker::fromVariant(const QVariant& value)
     if (value.userType() == QMetaType::VoidStar)
         return static_cast<XOLATreeItem*>(*static_cast<void* const*>(value.constData()));
     QVariant converted(value);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    if (!converted.isValid() || !converted.convert(QMetaType(QMetaType::VoidStar)))
+#else
     if (!converted.isValid() || !converted.convert(QMetaType::VoidStar))
+#endif
         return nullptr;
     return static_cast<XOLATreeItem*>(*static_cast<void* const*>(converted.constData()));
 }

@@ -1,5 +1,7 @@
 #include "MyVariant.h"
 
+#include "VariantRules.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QDate>
 #include <QtCore/QDateTime>
@@ -25,38 +27,39 @@ enum class Relation { Less, Greater };
 bool builtInCompare(const QVariant& left, const QVariant& right, Relation relation)
 {
     const bool less = relation == Relation::Less;
-    switch (left.type()) {
-    case QVariant::Bool: {
+    using namespace VariantRules;
+    switch (left.userType()) {
+    case QMetaType::Bool: {
         // false orders before true
-        const bool l = left.toBool();
-        const bool r = right.toBool();
+        const bool l = toBool(left);
+        const bool r = toBool(right);
         return less ? (!l && r) : (l && !r);
     }
-    case QVariant::Int:
-        return less ? left.toInt() < right.toInt() : left.toInt() > right.toInt();
-    case QVariant::UInt:
-        return less ? left.toUInt() < right.toUInt() : left.toUInt() > right.toUInt();
-    case QVariant::LongLong:
-        return less ? left.toLongLong() < right.toLongLong() : left.toLongLong() > right.toLongLong();
-    case QVariant::ULongLong:
-        return less ? left.toULongLong() < right.toULongLong() : left.toULongLong() > right.toULongLong();
-    case QVariant::Double:
-        return less ? left.toDouble() < right.toDouble() : left.toDouble() > right.toDouble();
-    case QVariant::Char:
-        return less ? left.toChar() < right.toChar() : left.toChar() > right.toChar();
-    case QVariant::String:
+    case QMetaType::Int:
+        return less ? toInt(left) < toInt(right) : toInt(left) > toInt(right);
+    case QMetaType::UInt:
+        return less ? toUInt(left) < toUInt(right) : toUInt(left) > toUInt(right);
+    case QMetaType::LongLong:
+        return less ? toLongLong(left) < toLongLong(right) : toLongLong(left) > toLongLong(right);
+    case QMetaType::ULongLong:
+        return less ? toULongLong(left) < toULongLong(right) : toULongLong(left) > toULongLong(right);
+    case QMetaType::Double:
+        return less ? toDouble(left) < toDouble(right) : toDouble(left) > toDouble(right);
+    case QMetaType::QChar:
+        return less ? toChar(left) < toChar(right) : toChar(left) > toChar(right);
+    case QMetaType::QString:
         // Code-unit order, no locale: the same on every machine.
-        return less ? left.toString() < right.toString() : left.toString() > right.toString();
-    case QVariant::ByteArray: {
-        const int c = qstrcmp(left.toByteArray(), right.toByteArray());
+        return less ? toString(left) < toString(right) : toString(left) > toString(right);
+    case QMetaType::QByteArray: {
+        const int c = qstrcmp(toByteArray(left), toByteArray(right));
         return less ? c < 0 : c > 0;
     }
-    case QVariant::Date:
-        return less ? left.toDate() < right.toDate() : left.toDate() > right.toDate();
-    case QVariant::Time:
-        return less ? left.toTime() < right.toTime() : left.toTime() > right.toTime();
-    case QVariant::DateTime:
-        return less ? left.toDateTime() < right.toDateTime() : left.toDateTime() > right.toDateTime();
+    case QMetaType::QDate:
+        return less ? toDate(left) < toDate(right) : toDate(left) > toDate(right);
+    case QMetaType::QTime:
+        return less ? toTime(left) < toTime(right) : toTime(left) > toTime(right);
+    case QMetaType::QDateTime:
+        return less ? toDateTime(left) < toDateTime(right) : toDateTime(left) > toDateTime(right);
     default:
         return false;
     }
@@ -95,18 +98,18 @@ MyVariant::MyVariant(const QVariant& value, bool ascending, QJSEngine* engine, Q
 bool MyVariant::isComparableType(int type)
 {
     switch (type) {
-    case QVariant::Bool:
-    case QVariant::Int:
-    case QVariant::UInt:
-    case QVariant::LongLong:
-    case QVariant::ULongLong:
-    case QVariant::Double:
-    case QVariant::Char:
-    case QVariant::String:
-    case QVariant::ByteArray:
-    case QVariant::Date:
-    case QVariant::Time:
-    case QVariant::DateTime:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::QChar:
+    case QMetaType::QString:
+    case QMetaType::QByteArray:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime:
         return true;
     default:
         return false;
@@ -136,7 +139,7 @@ bool MyVariant::callbackLess(const QVariant& left, const QVariant& right, bool* 
         QVariant result;
         mo->method(index).invoke(m_qmlObject, Qt::DirectConnection, Q_RETURN_ARG(QVariant, result),
                                  Q_ARG(QVariant, left), Q_ARG(QVariant, right));
-        return result.toBool();
+        return VariantRules::toBool(result);
     }
 
     if (m_jsFunction) {
@@ -158,7 +161,7 @@ bool MyVariant::operator<(const MyVariant& other) const
     bool less = callbackLess(m_value, other.m_value, &handled);
     if (!handled) {
         // Values that have no order are never less, in either direction.
-        if (!isComparableType(m_value.type()))
+        if (!isComparableType(m_value.userType()))
             return false;
         less = builtInCompare(m_value, other.m_value, Relation::Less);
     }
@@ -174,7 +177,7 @@ bool MyVariant::operator>(const MyVariant& other) const
     // it with the operands swapped answers "is this one after the other".
     bool greater = callbackLess(other.m_value, m_value, &handled);
     if (!handled) {
-        if (!isComparableType(m_value.type()))
+        if (!isComparableType(m_value.userType()))
             return false;
         greater = builtInCompare(m_value, other.m_value, Relation::Greater);
     }
@@ -188,7 +191,7 @@ QString MyVariant::toString() const
 
 QString MyVariant::textOf(const QVariant& value)
 {
-    if (value.type() == QVariant::StringList)
-        return value.toStringList().join(QLatin1String(kStringListSeparator));
-    return value.toString();
+    if (value.userType() == QMetaType::QStringList)
+        return VariantRules::toStringList(value).join(QLatin1String(kStringListSeparator));
+    return VariantRules::toString(value);
 }

@@ -1,5 +1,6 @@
 #include "MyVariantEx.h"
 
+#include "VariantRules.h"
 #include "XOLATreeItem.h"
 
 #include <QtCore/QMap>
@@ -26,16 +27,10 @@ MyVariantEx::~MyVariantEx() = default;
 
 int MyVariantEx::compareVariants(const QVariant& left, const QVariant& right)
 {
-    // QVariant's comparison operators are the only public face of its own
-    // ordering (case-insensitive for strings), which existing rule lists expect.
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    if (left < right)
-        return -1;
-    if (left > right)
-        return 1;
-    QT_WARNING_POP
-    return 0;
+    // The library's own three-way order (case-insensitive for strings), which
+    // existing rule lists expect; only its sign counts.
+    const int c = VariantRules::compare(left, right);
+    return c < 0 ? -1 : (c > 0 ? 1 : 0);
 }
 
 int MyVariantEx::resolveRole(const QHash<int, QByteArray>& roleNames, const QString& roleName)
@@ -54,14 +49,14 @@ MyVariantEx::ResolvedRules MyVariantEx::resolveRules(const QVariantList& rules, 
     ResolvedRules resolved;
     resolved.reserve(rules.size());
     for (const QVariant& rule : rules) {
-        const QVariantMap map = rule.toMap();
+        const QVariantMap map = VariantRules::toMap(rule);
         if (map.isEmpty())
             continue;
         ResolvedRule r;
-        r.role = resolveRole(roleNames, map.value(QStringLiteral("RoleName")).toString());
+        r.role = resolveRole(roleNames, VariantRules::toString(map.value(QStringLiteral("RoleName"))));
         // A rule without "Ascending" sorts descending: rule lists written that
         // way rely on it.
-        r.ascending = map.value(QStringLiteral("Ascending")).toBool();
+        r.ascending = VariantRules::toBool(map.value(QStringLiteral("Ascending")));
         resolved.append(r);
     }
     return resolved;
@@ -74,7 +69,7 @@ int MyVariantEx::decide(const XOLATreeItem* left, const XOLATreeItem* right, int
     const QVariant l = left->getData(role);
     const QVariant r = right->getData(role);
     // A missing value neither orders nor ties; the next rule decides.
-    if (l.isNull() || r.isNull())
+    if (VariantRules::isNull(l) || VariantRules::isNull(r))
         return 0;
     const int c = compareVariants(l, r);
     if (c == 0)
@@ -94,11 +89,11 @@ bool MyVariantEx::operator<(const MyVariantEx& other) const
         return false;
     }
     for (const QVariant& rule : m_rules) {
-        const QVariantMap map = rule.toMap();
+        const QVariantMap map = VariantRules::toMap(rule);
         if (map.isEmpty())
             continue;
-        const int role = resolveRole(m_roleNames, map.value(QStringLiteral("RoleName")).toString());
-        const bool ascending = map.value(QStringLiteral("Ascending")).toBool();
+        const int role = resolveRole(m_roleNames, VariantRules::toString(map.value(QStringLiteral("RoleName"))));
+        const bool ascending = VariantRules::toBool(map.value(QStringLiteral("Ascending")));
         if (const int d = decide(m_item, other.m_item, role, ascending))
             return d > 0;
     }

@@ -4,14 +4,17 @@
 //
 // Every sort orders its rows exactly as inserting them one by one, in their
 // current order, into an ordered multi-map would: from the root, go right when
-// the node's key is less than the new key, else left, never replacing. Hosts
+// the node's key is less than the new key, else left, never replacing, in
+// a red-black tree (MultiInsertionTree). Hosts
 // depend on the resulting order of equal (and of inconsistently compared) rows,
 // so every path below reproduces that order.
 
 #include "XOLATreeModel.h"
 
+#include "MultiInsertionTree.h"
 #include "MyVariant.h"
 #include "MyVariantEx.h"
+#include "VariantRules.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDate>
@@ -53,7 +56,8 @@ bool isInvalidValue(const QVariant& value)
 {
     // A value of one of the ordered types never equals an invalid variant;
     // only other types need QVariant's (costly) equality test.
-    return !value.isValid() || (!MyVariant::isComparableType(value.type()) && value == QVariant());
+    return !value.isValid()
+        || (!MyVariant::isComparableType(value.userType()) && VariantRules::equals(value, QVariant()));
 }
 
 RoleValues readRoleValues(const QList<XOLATreeItem*>& items, int role)
@@ -75,7 +79,7 @@ RoleValues readRoleValues(const QList<XOLATreeItem*>& items, int role)
 template <typename MakeKey>
 QList<XOLATreeItem*> multiInsertionOrder(const QVector<ValuedItem>& valued, MakeKey makeKey)
 {
-    QMultiMap<MyVariant, XOLATreeItem*> map;
+    MultiInsertionTree<MyVariant, XOLATreeItem*> map;
     for (const ValuedItem& entry : valued)
         map.insert(makeKey(entry.value), entry.item);
     return map.values();
@@ -87,7 +91,7 @@ QList<XOLATreeItem*> multiInsertionOrder(const QVector<ValuedItem>& valued, Make
 template <typename MakeKey>
 QList<XOLATreeItem*> rowByRowOrder(const QList<XOLATreeItem*> items, int role, MakeKey makeKey)
 {
-    QMultiMap<MyVariant, XOLATreeItem*> map;
+    MultiInsertionTree<MyVariant, XOLATreeItem*> map;
     QList<XOLATreeItem*> invalid;
     for (XOLATreeItem* item : items) {
         const QVariant value = item ? item->getData(role) : QVariant();
@@ -132,35 +136,35 @@ QList<XOLATreeItem*> stableOrder(const QVector<ValuedItem>& valued, bool ascendi
 }
 
 // The type shared by every value when the built-in comparison is a strict weak
-// order on them, or QVariant::Invalid when the rows need the general path
+// order on them, or QMetaType::UnknownType when the rows need the general path
 // (mixed types, values without an order, NaN, date-times whose order depends on
 // time zones).
-QVariant::Type uniformOrderedType(const QVector<ValuedItem>& valued)
+int uniformOrderedType(const QVector<ValuedItem>& valued)
 {
     if (valued.isEmpty())
-        return QVariant::Invalid;
-    const QVariant::Type type = valued.first().value.type();
+        return QMetaType::UnknownType;
+    const int type = valued.first().value.userType();
     switch (type) {
-    case QVariant::Bool:
-    case QVariant::Int:
-    case QVariant::UInt:
-    case QVariant::LongLong:
-    case QVariant::ULongLong:
-    case QVariant::Double:
-    case QVariant::Char:
-    case QVariant::String:
-    case QVariant::ByteArray:
-    case QVariant::Date:
-    case QVariant::Time:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::QChar:
+    case QMetaType::QString:
+    case QMetaType::QByteArray:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
         break;
     default:
-        return QVariant::Invalid;
+        return QMetaType::UnknownType;
     }
     for (const ValuedItem& entry : valued) {
-        if (entry.value.type() != type)
-            return QVariant::Invalid;
-        if (type == QVariant::Double && qIsNaN(entry.value.toDouble()))
-            return QVariant::Invalid;
+        if (entry.value.userType() != type)
+            return QMetaType::UnknownType;
+        if (type == QMetaType::Double && qIsNaN(entry.value.toDouble()))
+            return QMetaType::UnknownType;
     }
     return type;
 }
@@ -176,35 +180,35 @@ const T& stored(const QVariant& value)
 QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascending)
 {
     switch (uniformOrderedType(valued)) {
-    case QVariant::Bool:
+    case QMetaType::Bool:
         return stableOrder<bool>(valued, ascending, [](const QVariant& v) { return stored<bool>(v); },
                                  [](bool a, bool b) { return !a && b; });
-    case QVariant::Int:
+    case QMetaType::Int:
         return stableOrder<int>(valued, ascending, [](const QVariant& v) { return stored<int>(v); }, std::less<int>());
-    case QVariant::UInt:
+    case QMetaType::UInt:
         return stableOrder<uint>(valued, ascending, [](const QVariant& v) { return stored<uint>(v); }, std::less<uint>());
-    case QVariant::LongLong:
+    case QMetaType::LongLong:
         return stableOrder<qlonglong>(valued, ascending, [](const QVariant& v) { return stored<qlonglong>(v); },
                                       std::less<qlonglong>());
-    case QVariant::ULongLong:
+    case QMetaType::ULongLong:
         return stableOrder<qulonglong>(valued, ascending, [](const QVariant& v) { return stored<qulonglong>(v); },
                                        std::less<qulonglong>());
-    case QVariant::Double:
+    case QMetaType::Double:
         return stableOrder<double>(valued, ascending, [](const QVariant& v) { return stored<double>(v); },
                                    std::less<double>());
-    case QVariant::Char:
+    case QMetaType::QChar:
         return stableOrder<QChar>(valued, ascending, [](const QVariant& v) { return v.toChar(); },
                                   [](QChar a, QChar b) { return a < b; });
-    case QVariant::String:
+    case QMetaType::QString:
         return stableOrder<QString>(valued, ascending, [](const QVariant& v) { return stored<QString>(v); },
                                     [](const QString& a, const QString& b) { return a < b; });
-    case QVariant::ByteArray:
+    case QMetaType::QByteArray:
         return stableOrder<QByteArray>(valued, ascending, [](const QVariant& v) { return v.toByteArray(); },
                                        [](const QByteArray& a, const QByteArray& b) { return qstrcmp(a, b) < 0; });
-    case QVariant::Date:
+    case QMetaType::QDate:
         return stableOrder<QDate>(valued, ascending, [](const QVariant& v) { return v.toDate(); },
                                   [](const QDate& a, const QDate& b) { return a < b; });
-    case QVariant::Time:
+    case QMetaType::QTime:
         return stableOrder<QTime>(valued, ascending, [](const QVariant& v) { return v.toTime(); },
                                   [](const QTime& a, const QTime& b) { return a < b; });
     default:
@@ -437,7 +441,7 @@ RuleRanks rankRuleValues(const QList<XOLATreeItem*>& items, int role, QVector<in
     int nulls = 0;
     for (const XOLATreeItem* item : items) {
         values.append(item->getData(role));
-        if (values.constLast().isNull())
+        if (VariantRules::isNull(values.constLast()))
             ++nulls;
     }
     if (nulls == values.size())
@@ -558,7 +562,7 @@ void XOLATreeModel::SortByRules(const QVariantList& rules, int flag)
         // QVariant's own ordering is not consistent for strings that differ
         // only in case, nor with missing values: those rows go through a real
         // multi-insertion.
-        QMultiMap<MyVariantEx, XOLATreeItem*> map;
+        MultiInsertionTree<MyVariantEx, XOLATreeItem*> map;
         for (XOLATreeItem* item : items)
             map.insert(MyVariantEx(item, rules, names, resolved), item);
         order = map.values();

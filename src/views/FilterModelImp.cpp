@@ -2,6 +2,7 @@
 
 #include "FilterRules.h"
 #include "MetaConnect.h"
+#include "VariantRules.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QMetaType>
@@ -243,7 +244,7 @@ bool FilterModelImp::UpdateFilterRules(QVariantList filterRules, bool orAllRules
 {
     // The same rules again: hosts call this from bindings, and a rebuild would
     // reset every delegate.
-    if (filterRules == m_filterRules && orAllRules == m_orAllRules)
+    if (VariantRules::equals(filterRules, m_filterRules) && orAllRules == m_orAllRules)
         return true;
     m_filterRules = filterRules;
     m_orAllRules = orAllRules;
@@ -253,7 +254,7 @@ bool FilterModelImp::UpdateFilterRules(QVariantList filterRules, bool orAllRules
 bool FilterModelImp::UpdateUserDefinedFilterRules(QVariant filterRules)
 {
     const QVariant value = plainRuleValue(filterRules);
-    if (value == m_ruleValue)
+    if (VariantRules::equals(value, m_ruleValue))
         return true;
     m_ruleValue = value;
     return ReGenFilterModel();

@@ -8,6 +8,7 @@
 
 #include "IXOLATreeModel.h"
 #include "MyVariant.h"
+#include "VariantRules.h"
 #include "XOLATreeItem.h"
 
 #include <QtCore/QStringList>
@@ -136,18 +137,18 @@ CompiledFilterRules::Rule CompiledFilterRules::compileRule(const QMap<QString, Q
 CompiledFilterRules::Rule CompiledFilterRules::compileRule(const QMap<QString, QVariant>& rule, bool singleCheck)
 {
     Rule compiled;
-    compiled.roleName = rule.value(kRoleNameKey).toString();
+    compiled.roleName = VariantRules::toString(rule.value(kRoleNameKey));
     compiled.singleCheck = singleCheck;
     if (singleCheck) {
-        compiled.checks.append(compileCheck(rule.value(kRuleKey).toInt(), rule.value(kValueKey)));
+        compiled.checks.append(compileCheck(VariantRules::toInt(rule.value(kRuleKey)), rule.value(kValueKey)));
         return compiled;
     }
-    compiled.orAllRules = rule.value(kOrAllRulesKey).toBool();
-    const QVariantList subRules = rule.value(kRulesKey).toList();
+    compiled.orAllRules = VariantRules::toBool(rule.value(kOrAllRulesKey));
+    const QVariantList subRules = VariantRules::toList(rule.value(kRulesKey));
     compiled.checks.reserve(subRules.size());
     for (const QVariant& entry : subRules) {
-        const QVariantMap subRule = entry.toMap();
-        compiled.checks.append(compileCheck(subRule.value(kRuleKey).toInt(), subRule.value(kValueKey)));
+        const QVariantMap subRule = VariantRules::toMap(entry);
+        compiled.checks.append(compileCheck(VariantRules::toInt(subRule.value(kRuleKey)), subRule.value(kValueKey)));
     }
     return compiled;
 }
@@ -172,7 +173,7 @@ CompiledFilterRules::CompiledFilterRules(const QList<QVariant>& rules)
 {
     m_rules.reserve(rules.size());
     for (const QVariant& entry : rules)
-        m_rules.append(compileRule(entry.toMap()));
+        m_rules.append(compileRule(VariantRules::toMap(entry)));
 }
 
 bool CompiledFilterRules::matches(const XOLATreeItem* item, bool orAllRules) const

@@ -1,6 +1,7 @@
 #include "GroupModelImp.h"
 
 #include "MetaConnect.h"
+#include "VariantRules.h"
 
 #include <QtCore/QHash>
 
@@ -136,7 +137,7 @@ void GroupModelImp::GenGroupModel(int role)
         auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
         if (!item)
             continue;
-        const QString key = item->getData(role).toString();
+        const QString key = VariantRules::toString(item->getData(role));
         XOLATreeModel*& member = members[key];
         if (!member) {
             member = newMemberModel();
@@ -162,10 +163,10 @@ void GroupModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, co
         auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
         if (!item)
             continue;
-        const QString newKey = item->getData(m_groupRole).toString();
+        const QString newKey = VariantRules::toString(item->getData(m_groupRole));
         const auto recorded = m_rowGroups.constFind(row);
         if (recorded != m_rowGroups.constEnd()) {
-            const QString oldKey = recorded->second.toString();
+            const QString oldKey = VariantRules::toString(recorded->second);
             if (oldKey == newKey)
                 continue;
             // The recorded id is the one the member model knows the item by.
@@ -194,7 +195,7 @@ void GroupModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, i
         auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
         if (!item)
             continue;
-        AddOneToGroupChildModel(row, item->getData(m_groupRole).toString(), item);
+        AddOneToGroupChildModel(row, VariantRules::toString(item->getData(m_groupRole)), item);
     }
 }
 
@@ -212,7 +213,7 @@ void GroupModelImp::SourceModelItemRemovedHandler(const QModelIndex& /*parent*/,
     for (auto it = m_rowGroups.lowerBound(start); it != m_rowGroups.end() && it.key() <= end; ++it)
         removed << qMakePair(it.key(), it.value());
     for (const auto& entry : qAsConst(removed)) {
-        const QString key = entry.second.second.toString();
+        const QString key = VariantRules::toString(entry.second.second);
         if (FindItem(key, false)) {
             if (XOLATreeModel* member = memberModelOf(key)) {
                 member->RemoveOne(entry.second.first);

@@ -3,6 +3,7 @@
 // ordered multi-map, the order that hosts depend on, whatever the comparison
 // answers (also when it contradicts itself).
 
+#include "MultiInsertionTree.h"
 #include "MyVariant.h"
 #include "TestSupport.h"
 
@@ -42,7 +43,7 @@ struct ReferenceKey
 // value, followed by the rows without one.
 QStringList referenceOrder(const QVariantList& values, bool ascending, const PF_LESS_THAN& less)
 {
-    QMultiMap<ReferenceKey, QString> map;
+    MultiInsertionTree<ReferenceKey, QString> map;
     QStringList withoutValue;
     for (int i = 0; i < values.size(); ++i) {
         const QString id = QStringLiteral("i%1").arg(i);
@@ -69,7 +70,7 @@ struct BuiltInKey
 
 QStringList builtInReferenceOrder(const QVariantList& values, bool ascending)
 {
-    QMultiMap<BuiltInKey, QString> map;
+    MultiInsertionTree<BuiltInKey, QString> map;
     QStringList withoutValue;
     for (int i = 0; i < values.size(); ++i) {
         const QString id = QStringLiteral("i%1").arg(i);
@@ -418,7 +419,7 @@ void checkRulesAgainstMultiInsertion(uint seed, bool completeValues)
         rules << rule;
     }
 
-    QMultiMap<RuleReferenceKey, QString> reference;
+    MultiInsertionTree<RuleReferenceKey, QString> reference;
     for (RuleReferenceKey& key : keys) {
         key.rules = &rules;
         reference.insert(key, key.data.value("idRole").toString());
@@ -430,7 +431,7 @@ void checkRulesAgainstMultiInsertion(uint seed, bool completeValues)
     QCOMPARE(ids(model.data()), reference.values());
 
     // Sorting again starts from the new order.
-    QMultiMap<RuleReferenceKey, QString> again;
+    MultiInsertionTree<RuleReferenceKey, QString> again;
     const QStringList current = ids(model.data());
     for (const QString& id : current) {
         const int index = id.mid(1).toInt();
