@@ -2,12 +2,22 @@
 # Builds the library and the whole suite with AddressSanitizer,
 # UndefinedBehaviorSanitizer and LeakSanitizer and runs the suite under them.
 # Any memory error, undefined behaviour or leak fails the run.
+#
+#   scripts/test-sanitizers.sh [5|6]    the Qt major (default 5)
 set -euo pipefail
 cd "$(dirname "$0")/.."
+major="${1:-5}"
+case "$major" in
+  5) dir=build-asan ;;
+  6) dir=build-asan-qt6 ;;
+  *) echo "usage: $0 [5|6]" >&2; exit 2 ;;
+esac
 bash scripts/deps.sh
+echo "== Qt $major build and tests under the sanitizers"
 # The sanitizer build: Debug (quick to compile, exact stacks), no examples.
-cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DXOLATREEMODEL_SANITIZE=ON -DXOLATREEMODEL_BUILD_EXAMPLES=OFF
-cmake --build build-asan -j2
+cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DXOLATREEMODEL_QT_MAJOR="$major" -DXOLATREEMODEL_SANITIZE=ON \
+  -DXOLATREEMODEL_BUILD_EXAMPLES=OFF
+cmake --build "$dir" -j2
 
 # detect_odr_violation=1: two suites compile a source of the library into the
 # test as well, which gives two equal definitions of one constant; definitions
@@ -19,4 +29,4 @@ cmake --build build-asan -j2
 export ASAN_OPTIONS="halt_on_error=1:detect_leaks=1:detect_stack_use_after_return=1:strict_init_order=1:check_initialization_order=1:detect_odr_violation=1:verify_asan_link_order=0"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
 export LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0"
-ctest --test-dir build-asan --output-on-failure -j2
+ctest --test-dir "$dir" --output-on-failure -j2

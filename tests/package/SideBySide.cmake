@@ -1,0 +1,58 @@
+# Script mode: installs the Qt 5 and the Qt 6 build into one prefix, checks
+# that no file of one was overwritten by a different file of the other, then
+# builds and runs a host against each package from that shared prefix.
+#   -DXOLA_QT5_BUILD_DIR=... -DXOLA_QT6_BUILD_DIR=... -DXOLA_CONSUMER_SOURCE=... -DXOLA_WORK_DIR=...
+set(prefix "${XOLA_WORK_DIR}/prefix")
+file(REMOVE_RECURSE "${XOLA_WORK_DIR}")
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "Failed (${rc}): ${ARGN}\n${out}\n${err}")
+  endif()
+endfunction()
+
+# Each build alone, to learn which files it writes and what they hold.
+foreach(major 5 6)
+  set(alone "${XOLA_WORK_DIR}/alone-qt${major}")
+  run(${CMAKE_COMMAND} --install "${XOLA_QT${major}_BUILD_DIR}" --prefix "${alone}")
+  file(GLOB_RECURSE files_${major} RELATIVE "${alone}" "${alone}/*")
+endforeach()
+set(shared_files "")
+foreach(f IN LISTS files_5)
+  if(f IN_LIST files_6)
+    list(APPEND shared_files "${f}")
+    file(SHA256 "${XOLA_WORK_DIR}/alone-qt5/${f}" h5)
+    file(SHA256 "${XOLA_WORK_DIR}/alone-qt6/${f}" h6)
+    if(NOT h5 STREQUAL h6)
+      message(FATAL_ERROR "Both builds install ${f} with different contents")
+    endif()
+  endif()
+endforeach()
+message(STATUS "Files both builds install, identical: ${shared_files}")
+foreach(f lib/libXOLATreeModel.so lib/cmake/XOLATreeModel/XOLATreeModelConfig.cmake lib/pkgconfig/XOLATreeModel.pc
+          lib/libXOLATreeModelQt6.so lib/cmake/XOLATreeModelQt6/XOLATreeModelQt6Config.cmake
+          lib/pkgconfig/XOLATreeModelQt6.pc)
+  get_filename_component(name "${f}" NAME)
+  set(found FALSE)
+  foreach(g IN LISTS files_5 files_6)
+    get_filename_component(gname "${g}" NAME)
+    if(gname STREQUAL name)
+      set(found TRUE)
+    endif()
+  endforeach()
+  if(NOT found)
+    message(FATAL_ERROR "Not installed: ${name}")
+  endif()
+endforeach()
+
+# Then both into one prefix, and a host of each major built against it.
+run(${CMAKE_COMMAND} --install "${XOLA_QT5_BUILD_DIR}" --prefix "${prefix}")
+run(${CMAKE_COMMAND} --install "${XOLA_QT6_BUILD_DIR}" --prefix "${prefix}")
+foreach(major 5 6)
+  set(build "${XOLA_WORK_DIR}/consumer-qt${major}")
+  run(${CMAKE_COMMAND} -S "${XOLA_CONSUMER_SOURCE}" -B "${build}" "-DCMAKE_PREFIX_PATH=${prefix}" "-DQT_MAJOR=${major}")
+  run(${CMAKE_COMMAND} --build "${build}")
+  run("${build}/consumer")
+endforeach()
+message(STATUS "Both packages installed side by side and consumed")
