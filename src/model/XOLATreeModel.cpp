@@ -1,6 +1,7 @@
 #include "XOLATreeModel.h"
 
 #include "PartialModel.h"
+#include "RoleNames.h"
 #include "RowIndex.h"
 #include "XOLATreeModelWorker.h"
 
@@ -83,13 +84,7 @@ QHash<int, QByteArray> XOLATreeModel::roleNames() const
 
 int XOLATreeModel::roleForName(const QString& roleName) const
 {
-    const QHash<int, QByteArray> names = roleNames();
-    const QByteArray wanted = roleName.toLatin1();
-    for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
-        if (it.value() == wanted)
-            return it.key();
-    }
-    return 0;
+    return ::roleForName(roleNames(), roleName);
 }
 
 QObject* XOLATreeModel::FindItem(int row) const

@@ -1,5 +1,6 @@
 #include "MyVariantEx.h"
 
+#include "RoleNames.h"
 #include "VariantRules.h"
 #include "XOLATreeItem.h"
 
@@ -35,13 +36,7 @@ int MyVariantEx::compareVariants(const QVariant& left, const QVariant& right)
 
 int MyVariantEx::resolveRole(const QHash<int, QByteArray>& roleNames, const QString& roleName)
 {
-    const QByteArray wanted = roleName.toLatin1();
-    for (auto it = roleNames.constBegin(); it != roleNames.constEnd(); ++it) {
-        if (it.value() == wanted)
-            return it.key();
-    }
-    // An unknown name sorts by role 0 rather than failing.
-    return 0;
+    return roleForName(roleNames, roleName);
 }
 
 MyVariantEx::ResolvedRules MyVariantEx::resolveRules(const QVariantList& rules, const QHash<int, QByteArray>& roleNames)

@@ -1,6 +1,7 @@
 #include "GroupModelImp.h"
 
 #include "MetaConnect.h"
+#include "RoleNames.h"
 #include "VariantRules.h"
 
 #include <QtCore/QHash>
@@ -46,18 +47,9 @@ bool GroupModelImp::UpdateGroupRole(const QString& roleName)
 {
     if (!m_sourceModel)
         return false;
-    const QHash<int, QByteArray> names = m_sourceModel->roleNames();
-    const QByteArray wanted = roleName.toLatin1();
     // An unknown name groups by role 0 (every item in the "" group) rather than
     // failing: QML callers never check the result.
-    int role = 0;
-    for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
-        if (it.value() == wanted) {
-            role = it.key();
-            break;
-        }
-    }
-    return UpdateGroupRole(role);
+    return UpdateGroupRole(::roleForName(m_sourceModel->roleNames(), roleName));
 }
 
 XOLATreeModel* GroupModelImp::newMemberModel()
