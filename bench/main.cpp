@@ -85,6 +85,10 @@ int main(int argc, char** argv)
     benchmark::Initialize(&benchmarkArgc, benchmarkArgs.data());
     if (benchmark::ReportUnrecognizedArguments(benchmarkArgc, benchmarkArgs.data()))
         return 1;
+    // Results from Qt 5 and Qt 6 builds are compared side by side; the run
+    // says which Qt it was built against and which one it actually loaded.
+    benchmark::AddCustomContext("qt_version", qVersion());
+    benchmark::AddCustomContext("qt_build_version", QT_VERSION_STR);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

@@ -3,6 +3,13 @@
 bench/results.png (time against row count, log-log).
 
 Usage: report.py <results.json> <output dir> [--mode full|quick] [--command TEXT]
+                 [--qt-label TEXT] [--qt6-json <qt6 results.json>]
+
+--qt-label names the Qt the run was built against in the heading (default
+"Qt 5"). --qt6-json adds a second run of the same benchmarks built against
+Qt 6: every target, ratio and growth figure still comes from the first run;
+the second adds Qt 6 columns for XOLATreeModel beside the first run's, a
+Qt 6 against Qt 5 summary, and dashed Qt 6 lines in the plot.
 
 Only the standard library is required; the plot needs matplotlib and is
 skipped (with a note in RESULTS.md) when it is missing.
@@ -248,15 +255,43 @@ def growth(points, reference=None):
     return steps, overall
 
 
-def make_plot(times, path):
+def ratio_of(a, b):
+    return a / b if a is not None and b is not None and b > 0 else None
+
+
+def ratio_range(lib, other):
+    """"lowest–highest" of lib / other over the sizes both have."""
+    values = [lib[n] / other[n] for n in sorted(set(lib) & set(other)) if other[n] > 0]
+    if not values:
+        return "-"
+    if len(values) == 1:
+        return fmt_ratio(values[0])
+    return "%s–%s" % (fmt_ratio(min(values)), fmt_ratio(max(values)))
+
+
+def qt_version(context):
+    # Recorded by xola_bench (qVersion() of the Qt it ran against); older result
+    # files do not carry it.
+    version = context.get("qt_version")
+    return str(version) if version else None
+
+
+def describe_run(label, context):
+    version = qt_version(context)
+    return "%s (%s)" % (label, version) if version and version not in label else label
+
+
+def make_plot(times, path, title_label=None, times6=None, label6=None):
     try:
         import matplotlib
         matplotlib.use("Agg")
         import matplotlib.pyplot as plt
     except ImportError:
         return False
+    times6 = times6 or {}
     ops = [op for op in OPERATIONS if any((op["key"], impl) in times for impl in
-                                            [LIB, op.get("peer"), op.get("limit")])]
+                                            [LIB, op.get("peer"), op.get("limit")])
+           or (op["key"], LIB) in times6]
     columns = 4
     rows = (len(ops) + columns - 1) // columns
     fig, axes = plt.subplots(rows, columns, figsize=(4.2 * columns, 3.4 * rows), squeeze=False)
@@ -271,7 +306,15 @@ def make_plot(times, path):
             points = times[(op["key"], impl)]
             xs = sorted(points)
             style = styles[LIB] if role == "lib" else styles[role]
-            ax.plot(xs, [points[x] for x in xs], label=("XOLATreeModel" if role == "lib" else impl), **style)
+            name = impl
+            if role == "lib":
+                name = "XOLATreeModel, %s" % title_label if times6 and title_label else "XOLATreeModel"
+            ax.plot(xs, [points[x] for x in xs], label=name, **style)
+        if (op["key"], LIB) in times6:
+            points = times6[(op["key"], LIB)]
+            xs = sorted(points)
+            ax.plot(xs, [points[x] for x in xs], label="XOLATreeModel, %s" % label6,
+                    color="tab:blue", marker="o", markerfacecolor="none", linestyle="--")
         ax.set_xscale("log")
         ax.set_yscale("log")
         ax.set_title(op["key"], fontsize=10)
@@ -282,7 +325,12 @@ def make_plot(times, path):
         ax.legend(fontsize=7)
     for index in range(len(ops), rows * columns):
         axes[index // columns][index % columns].axis("off")
-    fig.suptitle("XOLATreeModel against Qt's models: time per operation (log-log)", fontsize=12)
+    title = "XOLATreeModel against Qt's models: time per operation (log-log)"
+    if title_label:
+        title = "XOLATreeModel against Qt's models on %s: time per operation (log-log)" % title_label
+    if times6:
+        title += "; dashed: XOLATreeModel on %s" % label6
+    fig.suptitle(title, fontsize=12)
     fig.tight_layout(rect=(0, 0, 1, 0.97))
     fig.savefig(path, dpi=90)
     return True
@@ -294,14 +342,30 @@ def main():
     parser.add_argument("outdir")
     parser.add_argument("--mode", default="full")
     parser.add_argument("--command", default="scripts/bench.sh")
+    parser.add_argument("--qt-label", default="Qt 5",
+                        help="the Qt the (first) run was built against, as named in the report")
+    parser.add_argument("--qt6-json", metavar="PATH",
+                        help="a second run of the same benchmarks built against Qt 6")
     args = parser.parse_args()
 
     context, times, errors, memory, repetitions = load_results(args.json)
-    plotted = make_plot(times, os.path.join(args.outdir, "results.png"))
+    label = args.qt_label
+    label6 = "Qt 6"
+    if args.qt6_json:
+        context6, times6, errors6, memory6, repetitions6 = load_results(args.qt6_json)
+    else:
+        context6, times6, errors6, memory6, repetitions6 = {}, {}, {}, {}, 0
+    os.makedirs(args.outdir, exist_ok=True)
+    plotted = make_plot(times, os.path.join(args.outdir, "results.png"),
+                        describe_run(label, context), times6, label6)
 
     out = []
     add = out.append
-    add("# Benchmark results")
+    if args.qt6_json:
+        add("# Benchmark results: %s and %s" % (describe_run(label, context),
+                                                describe_run(label6, context6)))
+    else:
+        add("# Benchmark results: %s" % describe_run(label, context))
     add("")
     add("Generated by `%s` (%s mode) on %s." % (args.command, args.mode, context.get("date", "?")))
     cpus = context.get("num_cpus", "?")
@@ -324,6 +388,32 @@ def main():
     add("![time against row count](results.png)" if plotted else
         "_The plot was not written: matplotlib is not installed._")
     add("")
+
+    # ---- which run is which ----
+    if args.qt6_json:
+        def machine(ctx):
+            load = ctx.get("load_avg")
+            return "%s CPUs at %s MHz%s" % (ctx.get("num_cpus", "?"), ctx.get("mhz_per_cpu", "?"),
+                                             (", load average %s" % ", ".join("%.1f" % v for v in load))
+                                             if load else "")
+        add("## Runs")
+        add("")
+        add("- **%s**: `%s`, run on %s, median of %d repetition%s; %s. The targets, the growth "
+            "figures, every ratio against a Qt model or a limit, and the Memory section come from "
+            "this run, and so do all columns without a Qt label." % (
+                describe_run(label, context), args.json, context.get("date", "?"), repetitions,
+                "" if repetitions == 1 else "s", machine(context)))
+        add("- **%s**: `%s`, run on %s, median of %d repetition%s; %s. The same benchmarks built "
+            "against Qt 6; they appear only in the columns and sections labelled %s (and as dashed "
+            "lines in the plot), for comparison: nothing in the targets is computed from them." % (
+                describe_run(label6, context6), args.qt6_json, context6.get("date", "?"),
+                repetitions6, "" if repetitions6 == 1 else "s", machine(context6), label6))
+        add("")
+        add("%s / %s is the %s time divided by the %s time of the same operation at the same row "
+            "count: below 1 means faster on %s. The two runs ran one after the other, not "
+            "interleaved, so load on the machine can differ between them." % (
+                label6, label, label6, label, label6))
+        add("")
 
     # ---- targets ----
     summary = []
@@ -410,17 +500,74 @@ def main():
             add("- **%s** (not required by the behaviour): %s. Measured: %s." % (key, cause, text))
     add("")
 
+    # ---- Qt 6 against Qt 5 ----
+    if args.qt6_json:
+        add("## %s against %s" % (label6, label))
+        add("")
+        add("XOLATreeModel's time at the largest row count both runs measured, and the range of "
+            "%s / %s over every row count both measured. The peer's own %s / %s ratio and "
+            "XOLATreeModel / peer within the %s run are shown for comparison only (the peer is "
+            "the Qt model in the operation's table below)." % (label6, label, label6, label, label6))
+        add("")
+        add("| Operation | Rows | XOLATreeModel, %s | XOLATreeModel, %s | %s / %s | Over all sizes "
+            "| Peer, %s / %s | XOLATreeModel / peer, %s |" % (label, label6, label6, label,
+                                                             label6, label, label6))
+        add("|---|---:|---:|---:|---:|---:|---:|---:|")
+        for op in OPERATIONS:
+            key = op["key"]
+            lib = times.get((key, LIB), {})
+            lib6 = times6.get((key, LIB), {})
+            common = sorted(set(lib) & set(lib6))
+            if not common:
+                continue
+            n = common[-1]
+            peer_name = op.get("peer")
+            peer = times.get((key, peer_name), {}) if peer_name else {}
+            peer6 = times6.get((key, peer_name), {}) if peer_name else {}
+            add("| %s | %s | %s | %s | %s | %s | %s | %s |" % (
+                key, fmt_rows(n), fmt_time(lib[n]), fmt_time(lib6[n]),
+                fmt_ratio(ratio_of(lib6[n], lib[n])), ratio_range(lib6, lib),
+                fmt_ratio(ratio_of(peer6.get(n), peer.get(n))),
+                fmt_ratio(ratio_of(lib6[n], peer6.get(n)))))
+        missing = [op["key"] for op in OPERATIONS
+                   if times.get((op["key"], LIB)) and not times6.get((op["key"], LIB))]
+        if missing:
+            add("")
+            add("Not measured in the %s run: %s." % (label6, ", ".join(missing)))
+        if memory and memory6:
+            add("")
+            add("Resident bytes per row, measured as in Memory below:")
+            add("")
+            add("| Model | Rows | %s | %s | %s / %s |" % (label, label6, label6, label))
+            add("|---|---:|---:|---:|---:|")
+            for impl in [LIB, "QStandardItemModel", "RowListModel"]:
+                if impl in memory and impl in memory6:
+                    rows, value = memory[impl]
+                    rows6, value6 = memory6[impl]
+                    add("| %s | %s | %.0f | %.0f | %s |" % (
+                        "XOLATreeModel" if impl == LIB else impl,
+                        fmt_rows(rows) if rows == rows6 else "%s / %s" % (fmt_rows(rows), fmt_rows(rows6)),
+                        value, value6, fmt_ratio(ratio_of(value6, value))))
+        add("")
+
     # ---- all measurements ----
     add("## All measurements")
     add("")
+    if args.qt6_json:
+        add("Columns without a Qt label come from the %s run; \"XOLATreeModel, %s\" from the %s "
+            "run, with %s / %s beside it." % (label, label6, label6, label6, label))
+        add("")
     for op in OPERATIONS:
         key = op["key"]
         lib = times.get((key, LIB), {})
+        lib6 = times6.get((key, LIB), {})
         peer_name, limit_name = op.get("peer"), op.get("limit")
         peer = times.get((key, peer_name), {}) if peer_name else {}
         limit = times.get((key, limit_name), {}) if limit_name else {}
         sizes = sorted(set(lib) | set(peer) | set(limit) |
-                       {n for (o, i, n) in errors if o == key})
+                       {n for (o, i, n) in errors if o == key} |
+                       (set(lib6) | {n for (o, i, n) in errors6 if o == key and i == LIB}
+                        if args.qt6_json else set()))
         if not sizes:
             continue
         add("### %s" % key)
@@ -429,6 +576,9 @@ def main():
         add("")
         header = "| Rows | XOLATreeModel |"
         rule = "|---:|---:|"
+        if args.qt6_json:
+            header += " XOLATreeModel, %s | %s / %s |" % (label6, label6, label)
+            rule += "---:|---:|"
         if peer_name:
             header += " %s | ratio |" % peer_name
             rule += "---:|---:|"
@@ -438,12 +588,14 @@ def main():
         add(header)
         add(rule)
         for n in sizes:
-            def cell(series, impl):
+            def cell(series, impl, errors=errors):
                 if n in series:
                     return fmt_time(series[n])
                 message = errors.get((key, impl, n))
                 return ("_%s_" % message) if message else "-"
             line = "| %s | %s |" % (fmt_rows(n), cell(lib, LIB))
+            if args.qt6_json:
+                line += " %s | %s |" % (cell(lib6, LIB, errors6), fmt_ratio(ratio_of(lib6.get(n), lib.get(n))))
             if peer_name:
                 ratio = lib[n] / peer[n] if n in lib and n in peer and peer[n] > 0 else None
                 line += " %s | %s |" % (cell(peer, peer_name), fmt_ratio(ratio))

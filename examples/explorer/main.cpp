@@ -29,7 +29,11 @@ QString defaultRoot()
     if (QFileInfo(QStringLiteral(XOLA_EXPLORER_DEFAULT_ROOT)).isDir())
         return QDir::cleanPath(QStringLiteral(XOLA_EXPLORER_DEFAULT_ROOT));
 #endif
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     const QString headers = QLibraryInfo::location(QLibraryInfo::HeadersPath);
+#else
+    const QString headers = QLibraryInfo::path(QLibraryInfo::HeadersPath);
+#endif
     return QFileInfo(headers).isDir() ? headers : QDir::currentPath();
 }
 

@@ -862,6 +862,15 @@ bool equals(const QVariant& left, const QVariant& right)
     return sameTypeEquals(v1, v2);
 }
 
+int compareBytes(const QByteArray& left, const QByteArray& right)
+{
+    const int common = int(qMin(left.size(), right.size()));
+    const int c = common > 0 ? std::memcmp(left.constData(), right.constData(), size_t(common)) : 0;
+    if (c != 0)
+        return c;
+    return int(left.size() - right.size());
+}
+
 bool equals(const QVariantMap& left, const QVariantMap& right)
 {
     return equals(QVariant(left), QVariant(right));

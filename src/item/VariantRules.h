@@ -44,6 +44,10 @@ bool canConvert(const QVariant& value, int targetType);
 //! type and false is returned.
 bool convert(QVariant& value, int targetType);
 
+//! Byte arrays in byte order over their whole length (an embedded NUL byte
+//! does not end them); a shorter array that is a prefix comes first.
+int compareBytes(const QByteArray& left, const QByteArray& right);
+
 bool toBool(const QVariant& value);
 int toInt(const QVariant& value, bool* ok = nullptr);
 uint toUInt(const QVariant& value, bool* ok = nullptr);

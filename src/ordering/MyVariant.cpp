@@ -51,7 +51,7 @@ bool builtInCompare(const QVariant& left, const QVariant& right, Relation relati
         // Code-unit order, no locale: the same on every machine.
         return less ? toString(left) < toString(right) : toString(left) > toString(right);
     case QMetaType::QByteArray: {
-        const int c = qstrcmp(toByteArray(left), toByteArray(right));
+        const int c = compareBytes(toByteArray(left), toByteArray(right));
         return less ? c < 0 : c > 0;
     }
     case QMetaType::QDate:

@@ -204,7 +204,7 @@ QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascend
                                     [](const QString& a, const QString& b) { return a < b; });
     case QMetaType::QByteArray:
         return stableOrder<QByteArray>(valued, ascending, [](const QVariant& v) { return v.toByteArray(); },
-                                       [](const QByteArray& a, const QByteArray& b) { return qstrcmp(a, b) < 0; });
+                                       [](const QByteArray& a, const QByteArray& b) { return VariantRules::compareBytes(a, b) < 0; });
     case QMetaType::QDate:
         return stableOrder<QDate>(valued, ascending, [](const QVariant& v) { return v.toDate(); },
                                   [](const QDate& a, const QDate& b) { return a < b; });

@@ -151,7 +151,7 @@ private slots:
         QVERIFY(model->AppendItemsList(list));
         // Then one notice for all rows, given once the rows are already listed.
         QCOMPARE(log.take(), expected);
-        QCOMPARE(counts.counts, QList<int>({before.size() + added.size()}));
+        QCOMPARE(counts.counts, QList<int>({int(before.size() + added.size())}));
         QCOMPARE(ids(model.get()), before + added);
         QCOMPARE(objects(model.get()), old + asObjects(list));
         for (XOLATreeItem* item : list) {
@@ -329,7 +329,7 @@ private slots:
         QVERIFY(model->PrependItemsList(list));
         // Then the new rows head the list in the list's order.
         QCOMPARE(log.take(), expected);
-        QCOMPARE(counts.counts, QList<int>({before.size() + added.size()}));
+        QCOMPARE(counts.counts, QList<int>({int(before.size() + added.size())}));
         QCOMPARE(ids(model.get()), added + before);
         QCOMPARE(objects(model.get()), asObjects(list) + old);
         for (XOLATreeItem* item : list)
@@ -490,7 +490,7 @@ private slots:
         // Then only the difference in count is announced, after the change.
         QCOMPARE(log.take(), expected);
         if (before.size() != replacement.size())
-            QCOMPARE(counts.counts, QList<int>({replacement.size()}));
+            QCOMPARE(counts.counts, QList<int>({int(replacement.size())}));
         QCOMPARE(ids(model.get()), replacement);
         QCOMPARE(objects(model.get()), asObjects(list));
         for (XOLATreeItem* item : list)

@@ -103,7 +103,7 @@ QString dataChanged(int first, int last)
 
 QVariant pointerVariant(XOLATreeItem* item)
 {
-    return QVariant(QMetaType::VoidStar, &item);
+    return QVariant::fromValue(static_cast<void*>(item));
 }
 
 QList<QObject*> objects(const IXOLATreeModel* model)

@@ -53,7 +53,7 @@ QString describe(const QVariantList& list)
 {
     QStringList parts;
     for (const QVariant& v : list) {
-        if (v.type() == QVariant::Map) {
+        if (v.userType() == QMetaType::QVariantMap) {
             QStringList fields;
             const QVariantMap map = v.toMap();
             for (auto it = map.constBegin(); it != map.constEnd(); ++it)
