@@ -862,6 +862,17 @@ bool equals(const QVariant& left, const QVariant& right)
     return sameTypeEquals(v1, v2);
 }
 
+QVariantList listArgument(const QVariantList& list)
+{
+    if (list.isEmpty())
+        return list;
+    for (const QVariant& entry : list) {
+        if (entry.userType() != QCharType)
+            return list;
+    }
+    return QVariantList();
+}
+
 int compareBytes(const QByteArray& left, const QByteArray& right)
 {
     const int common = int(qMin(left.size(), right.size()));

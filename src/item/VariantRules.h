@@ -44,6 +44,12 @@ bool canConvert(const QVariant& value, int targetType);
 //! type and false is returned.
 bool convert(QVariant& value, int targetType);
 
+//! A list argument from QML: a string given where a list is expected reaches
+//! the library as its characters on Qt 6 and as an empty list on Qt 5; both
+//! are read as the empty list, which QML code written for the library has
+//! always met. Any other list is returned as it is.
+QVariantList listArgument(const QVariantList& list);
+
 //! Byte arrays in byte order over their whole length (an embedded NUL byte
 //! does not end them); a shorter array that is a prefix comes first.
 int compareBytes(const QByteArray& left, const QByteArray& right);

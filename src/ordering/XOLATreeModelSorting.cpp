@@ -530,8 +530,9 @@ bool rankedRulesOrder(const QList<XOLATreeItem*>& items, const MyVariantEx::Reso
 
 } // namespace
 
-void XOLATreeModel::SortByRules(const QVariantList& rules, int flag)
+void XOLATreeModel::SortByRules(const QVariantList& givenRules, int flag)
 {
+    const QVariantList rules = VariantRules::listArgument(givenRules);
     m_sortFlag = flag;
     if (!m_sortRules.isSharedWith(rules))
         m_sortRules = rules;

@@ -240,8 +240,9 @@ bool FilterModelImp::ReGenFilterModel()
     return result;
 }
 
-bool FilterModelImp::UpdateFilterRules(QVariantList filterRules, bool orAllRules)
+bool FilterModelImp::UpdateFilterRules(QVariantList givenRules, bool orAllRules)
 {
+    const QVariantList filterRules = VariantRules::listArgument(givenRules);
     // The same rules again: hosts call this from bindings, and a rebuild would
     // reset every delegate.
     if (VariantRules::equals(filterRules, m_filterRules) && orAllRules == m_orAllRules)

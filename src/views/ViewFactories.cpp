@@ -6,10 +6,11 @@
 #include "FilterModelImp.h"
 #include "GroupModelImp.h"
 #include "PagingModelImp.h"
+#include "VariantRules.h"
 
 QObject* XOLATreeModel::GetFilterModel(QVariantList filterRules, bool orAllRules, int newItemPos)
 {
-    return new FilterModelImp(this, filterRules, orAllRules, newItemPos);
+    return new FilterModelImp(this, VariantRules::listArgument(filterRules), orAllRules, newItemPos);
 }
 
 QObject* XOLATreeModel::GetFilterModelByUserDefinedRules(QVariant filterRules, int newItemPos)

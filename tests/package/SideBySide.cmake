@@ -2,6 +2,7 @@
 # that no file of one was overwritten by a different file of the other, then
 # builds and runs a host against each package from that shared prefix.
 #   -DXOLA_QT5_BUILD_DIR=... -DXOLA_QT6_BUILD_DIR=... -DXOLA_CONSUMER_SOURCE=... -DXOLA_WORK_DIR=...
+cmake_minimum_required(VERSION 3.16)
 set(prefix "${XOLA_WORK_DIR}/prefix")
 file(REMOVE_RECURSE "${XOLA_WORK_DIR}")
 
@@ -55,4 +56,18 @@ foreach(major 5 6)
   run(${CMAKE_COMMAND} --build "${build}")
   run("${build}/consumer")
 endforeach()
+# And each pkg-config file names its own Qt.
+find_program(PKG_CONFIG_EXECUTABLE pkg-config)
+if(PKG_CONFIG_EXECUTABLE)
+  foreach(pair "XOLATreeModel;Qt5Core" "XOLATreeModelQt6;Qt6Core")
+    list(GET pair 0 pc)
+    list(GET pair 1 qt)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${prefix}/lib/pkgconfig"
+                            ${PKG_CONFIG_EXECUTABLE} --print-requires ${pc}
+                    RESULT_VARIABLE rc OUTPUT_VARIABLE requires ERROR_VARIABLE err)
+    if(NOT rc EQUAL 0 OR NOT requires MATCHES "${qt}")
+      message(FATAL_ERROR "pkg-config ${pc}: expected it to require ${qt}, got (${rc}) ${requires} ${err}")
+    endif()
+  endforeach()
+endif()
 message(STATUS "Both packages installed side by side and consumed")
