@@ -54,6 +54,49 @@ private slots:
         QCOMPARE(mismatches.size(), 0);
     }
 
+    void textGivenForAListReadsAsEmpty_data()
+    {
+        QTest::addColumn<QVariantList>("given");
+        QTest::addColumn<QVariantList>("read");
+        const QVariantList rules{QVariantMap{{"RoleName", "nameRole"}}};
+        QTest::newRow("characters of a text") << QVariantList{QChar('a'), QChar('b')} << QVariantList();
+        QTest::newRow("empty list") << QVariantList() << QVariantList();
+        QTest::newRow("rule maps") << rules << rules;
+        QTest::newRow("characters among other values")
+            << QVariantList{QChar('a'), 1} << QVariantList{QChar('a'), 1};
+        QTest::newRow("one-character strings") << QVariantList{QStringLiteral("a")} << QVariantList{QStringLiteral("a")};
+    }
+
+    void textGivenForAListReadsAsEmpty()
+    {
+        QFETCH(QVariantList, given);
+        QFETCH(QVariantList, read);
+        QCOMPARE(VariantRules::listArgument(given), read);
+    }
+
+    void byteArraysCompareOverTheirWholeLength_data()
+    {
+        QTest::addColumn<QByteArray>("left");
+        QTest::addColumn<QByteArray>("right");
+        QTest::addColumn<int>("sign");
+        QTest::newRow("embedded NUL is longer") << QByteArray("ab") << QByteArray("ab\0", 3) << -1;
+        QTest::newRow("after the NUL") << QByteArray("a\0b", 3) << QByteArray("a\0c", 3) << -1;
+        QTest::newRow("equal") << QByteArray("abc") << QByteArray("abc") << 0;
+        QTest::newRow("high bytes are unsigned") << QByteArray("\xff") << QByteArray("a") << 1;
+        QTest::newRow("null and empty") << QByteArray() << QByteArray("") << 0;
+    }
+
+    void byteArraysCompareOverTheirWholeLength()
+    {
+        QFETCH(QByteArray, left);
+        QFETCH(QByteArray, right);
+        QFETCH(int, sign);
+        const int c = VariantRules::compareBytes(left, right);
+        QCOMPARE(c < 0 ? -1 : (c > 0 ? 1 : 0), sign);
+        const int mirrored = VariantRules::compareBytes(right, left);
+        QCOMPARE(mirrored < 0 ? -1 : (mirrored > 0 ? 1 : 0), -sign);
+    }
+
     void descendingStringsThatDifferOnlyInCaseAreUnordered()
     {
         // Rule lists rely on "a" and "A" each comparing greater than the other.
