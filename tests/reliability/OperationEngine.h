@@ -1,6 +1,8 @@
 #ifndef TESTS_OPERATIONENGINE_H
 #define TESTS_OPERATIONENGINE_H
 
+#include "XOLATreeModelGlobal.h"
+
 #include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QMap>
@@ -72,6 +74,34 @@ private:
 };
 
 /*!
+ * Where the engine's rule-shaped arguments come from when a caller hands them
+ * over instead of the engine making them up: the rules fuzz target feeds
+ * filter rules, sort rules, predicate values, sort flags, comparison files and
+ * item values from its input through this. The engine then asks for them at
+ * the points where it would otherwise draw its own, so every operation, its
+ * bookkeeping and every check stay the engine's.
+ */
+class ArgumentSource
+{
+public:
+    virtual ~ArgumentSource() = default;
+    //! For GetFilterModel and UpdateFilterRules.
+    virtual QVariantList filterRules() = 0;
+    //! For SortByRules, and its flag.
+    virtual QVariantList sortRules() = 0;
+    virtual int sortFlag() = 0;
+    //! For GetFilterModelByUserDefinedRules and UpdateUserDefinedFilterRules.
+    virtual QVariant predicateValue() = 0;
+    //! A comparison file (empty for none) and the function to call in it.
+    virtual QString comparisonFile(bool qml) = 0;
+    virtual QString comparisonFunction(bool qml) = 0;
+    //! A value for an item's role; false leaves the choice to the engine.
+    virtual bool itemValue(QVariant* value) = 0;
+    //! The predicate of the user-defined filter views; an empty one keeps the engine's.
+    virtual PF_MATCH_ITEM matchFunction() = 0;
+};
+
+/*!
  * Drives a model with child models and every kind of view attached (two rule
  * filter views, a predicate filter view, a group view, a paging view and the
  * model's own partial window) through random sequences of public operations
@@ -86,7 +116,8 @@ private:
 class OperationEngine
 {
 public:
-    OperationEngine(ChoiceSource& choices, const QString& dataDir);
+    //! With arguments set, the rule-shaped arguments come from there (see ArgumentSource).
+    OperationEngine(ChoiceSource& choices, const QString& dataDir, ArgumentSource* arguments = nullptr);
     ~OperationEngine();
 
     OperationEngine(const OperationEngine&) = delete;
@@ -94,6 +125,8 @@ public:
 
     //! Runs one operation and checks the invariants; false when one broke.
     bool step();
+    //! Runs the operation of that name (see operationNames()) in the same way.
+    bool step(const QString& operationName);
     //! Deletes the views and the models, runs pending deletions and checks that
     //! everything the models were meant to delete is gone; false on a leak.
     bool finish();
@@ -129,6 +162,7 @@ private:
 
     // ---- set-up and bookkeeping ----
     void buildWorld();
+    bool runOperation(const Operation& op);
     void buildOperations();
     XOLATreeModel* newChildModel();
     XOLATreeItem* newItem();
@@ -187,6 +221,7 @@ private:
 
     ChoiceSource& m_choices;
     QString m_dataDir;
+    ArgumentSource* m_arguments = nullptr;
     QString m_failure;
     QStringList m_trail;
     QMap<QString, int> m_counts;
