@@ -144,22 +144,10 @@ int uniformOrderedType(const QVector<ValuedItem>& valued)
     if (valued.isEmpty())
         return QMetaType::UnknownType;
     const int type = valued.first().value.userType();
-    switch (type) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::QChar:
-    case QMetaType::QString:
-    case QMetaType::QByteArray:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-        break;
-    default:
+    // Date-times are ordered by the built-in comparison too, but their order
+    // depends on time zones, so they take the general path.
+    if (!MyVariant::isComparableType(type) || type == QMetaType::QDateTime)
         return QMetaType::UnknownType;
-    }
     for (const ValuedItem& entry : valued) {
         if (entry.value.userType() != type)
             return QMetaType::UnknownType;

@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include "VariantRules.h"
+
 ValueItem::ValueItem(const QString& id, const QString& name, const QVariant& value, QObject* childModel)
     : XOLATreeItem(id, name, childModel)
 {
@@ -54,7 +56,7 @@ void ValueItem::setData(const QString& roleName, QVariant value)
 
 void ValueItem::setExtra(int role, const QVariant& value)
 {
-    if (m_extras.value(role) == value && m_extras.contains(role) == value.isValid())
+    if (VariantRules::equals(m_extras.value(role), value) && m_extras.contains(role) == value.isValid())
         return;
     if (value.isValid())
         m_extras.insert(role, value);
