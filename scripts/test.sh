@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything for Qt 5 and for Qt 6 and runs
-# the whole test suite on both. The Qt 6 build also runs the tests that compare
+# the whole test suite on both (with the short soak), then the sanitizer
+# passes and the fuzz targets on both. The Qt 6 build also runs the tests that compare
 # the two builds: the cross-version transcript (both must write the same text,
 # byte for byte) and the side-by-side install of both packages.
 set -euo pipefail
@@ -24,4 +25,12 @@ ctest --test-dir build-qt6 --output-on-failure -j2
 if [ -z "${XOLA_SKIP_SANITIZERS:-}" ]; then
   bash scripts/test-sanitizers.sh 5
   bash scripts/test-sanitizers.sh 6
+fi
+
+# Last, each libFuzzer target for 60 seconds on each major (clang), from its
+# committed corpus; an input that fails is kept in fuzz/regressions/ and fails
+# the run. XOLA_SKIP_FUZZ=1 skips this pass.
+if [ -z "${XOLA_SKIP_FUZZ:-}" ]; then
+  bash scripts/fuzz.sh 5 60
+  bash scripts/fuzz.sh 6 60
 fi

@@ -50,6 +50,8 @@ NoticeBalance::NoticeBalance(QAbstractItemModel* model, const QString& name)
     }, direct);
     connect(model, &M::dataChanged, this, [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
         ++m_traffic;
+        // The parent item's relay passes every data change on, whatever rows it names.
+        ++m_relayedTraffic;
         // A change over no rows (a sort of an empty model) moves no listener.
         if (topLeft.row() >= 0 && bottomRight.row() >= 0)
             ++m_rowTraffic;
@@ -109,6 +111,7 @@ void NoticeBalance::end(Open kind, int first, int last)
     ++m_traffic;
     ++m_rowTraffic;
     ++m_countTraffic;
+    ++m_relayedTraffic;
     if (m_open != kind || m_openFirst != first || m_openLast != last) {
         problem(QStringLiteral("end of %1(%2,%3) does not match the open notice")
                     .arg(QLatin1String(kindName(int(kind)))).arg(first).arg(last));

@@ -44,7 +44,10 @@ public:
     int rowTraffic() const { return m_rowTraffic; }
     //! Insertions and removals since the last clearTraffic().
     int countTraffic() const { return m_countTraffic; }
-    void clearTraffic() { m_traffic = 0; m_rowTraffic = 0; m_countTraffic = 0; }
+    //! What an item relays of its child model since the last clearTraffic():
+    //! insertions, removals and data changes, also those over no rows.
+    int relayedTraffic() const { return m_relayedTraffic; }
+    void clearTraffic() { m_traffic = 0; m_rowTraffic = 0; m_countTraffic = 0; m_relayedTraffic = 0; }
 
     QString name() const { return m_name; }
     QAbstractItemModel* model() const { return m_model.data(); }
@@ -69,6 +72,7 @@ private:
     int m_traffic = 0;
     int m_rowTraffic = 0;
     int m_countTraffic = 0;
+    int m_relayedTraffic = 0;
 };
 
 #endif // TESTS_NOTICEBALANCE_H

@@ -6,6 +6,7 @@
 #include "PagingModelImp.h"
 #include "PartialModel.h"
 #include "TestSupport.h"
+#include "VariantRules.h"
 #include "XOLATreeModel.h"
 
 #include <QtCore/QCoreApplication>
@@ -1332,9 +1333,10 @@ void OperationEngine::childModelsChanged()
     // parent the view connected (every row it saw inserted; not the row of a
     // prepend, announced elsewhere, nor one the in-place swap listed). A relay
     // from an item the main model dropped but still indexes (a range removal that
-    // keeps items) can even bring it back into a view.
+    // keeps items) can even bring it back into a view. The relay passes on a
+    // data change over no rows too (the sort of an empty child model).
     for (const Watched& w : qAsConst(m_watched)) {
-        if (w.kind != ModelKind::Child || !w.model || !w.balance || w.balance->rowTraffic() == 0)
+        if (w.kind != ModelKind::Child || !w.model || !w.balance || w.balance->relayedTraffic() == 0)
             continue;
         bool firstLevel = false;
         XOLATreeItem* owner = ownerInTree(w.model, &firstLevel);
@@ -1571,7 +1573,9 @@ bool OperationEngine::checkGroup()
     QStringList keys;
     for (int row = 0; row < m_root->rowCount(); ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(m_root->FindItem(row));
-        const QString key = item->getData(m_group->groupRole()).toString();
+        // A group's key is the value's text by the library's rules, the same on
+        // every Qt (QVariant's own text of a byte array changed in Qt 6).
+        const QString key = VariantRules::toString(item->getData(m_group->groupRole()));
         if (!members.contains(key))
             keys << key;
         members[key] << QString::number(quintptr(item), 16);
