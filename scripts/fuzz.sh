@@ -76,10 +76,13 @@ for target in "${targets[@]}"; do
   [ -f "fuzz/$target.dict" ] && options+=(-dict="fuzz/$target.dict")
   echo "== fuzz_$target for $seconds s from $seeds inputs"
   status=0
+  began=$(date +%s)
   "$dir/fuzz/fuzz_$target" "${options[@]}" "$work/corpus" >"$work/fuzz.log" 2>&1 || status=$?
+  ended=$(date +%s)
 
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/fuzz.log" | tail -1)
   took=$(sed -n 's/^Done [0-9]* runs in \([0-9]*\) second.*/\1/p' "$work/fuzz.log" | tail -1)
+  took="${took:-$(( ended - began ))}"
   rate=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$work/fuzz.log" | tail -1)
   grown=$(find "$work/corpus" -type f | wc -l)
   found=()
