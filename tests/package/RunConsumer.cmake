@@ -3,13 +3,7 @@ set(prefix "${XOLA_WORK_DIR}/prefix")
 set(build "${XOLA_WORK_DIR}/consumer-build")
 file(REMOVE_RECURSE "${XOLA_WORK_DIR}")
 
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "Failed (${rc}): ${ARGN}\n${out}\n${err}")
-  endif()
-  message(STATUS "${out}")
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/RunStep.cmake")
 
 run(${CMAKE_COMMAND} --install "${XOLA_BUILD_DIR}" --prefix "${prefix}")
 foreach(f include/XOLATreeModel/XOLATreeModel.h include/XOLATreeModel/IXOLATreeModel.h

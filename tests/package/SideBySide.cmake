@@ -6,12 +6,7 @@ cmake_minimum_required(VERSION 3.16)
 set(prefix "${XOLA_WORK_DIR}/prefix")
 file(REMOVE_RECURSE "${XOLA_WORK_DIR}")
 
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "Failed (${rc}): ${ARGN}\n${out}\n${err}")
-  endif()
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/RunStep.cmake")
 
 # Each build alone, to learn which files it writes and what they hold.
 foreach(major 5 6)
