@@ -7,7 +7,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -33,12 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!engine.step())
             break;
     }
-    const bool finished = engine.finish();
-    if (!finished || !engine.failure().isEmpty()) {
-        std::fprintf(stderr, "%s\nlast operations:\n", qPrintable(engine.failure()));
-        for (const QString& line : engine.trail())
-            std::fprintf(stderr, "  %s\n", qPrintable(line));
+    if (!engine.finishOrReport())
         std::abort();
-    }
     return 0;
 }

@@ -596,12 +596,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const QString& line : engine.trail())
             std::fprintf(stderr, "  %s\n", qPrintable(line));
     }
-    const bool finished = engine.finish();
-    if (!finished || !engine.failure().isEmpty()) {
-        std::fprintf(stderr, "%s\nlast operations:\n", qPrintable(engine.failure()));
-        for (const QString& line : engine.trail())
-            std::fprintf(stderr, "  %s\n", qPrintable(line));
+    if (!engine.finishOrReport())
         std::abort();
-    }
     return 0;
 }

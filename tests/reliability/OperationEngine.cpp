@@ -14,6 +14,7 @@
 #include <QtCore/QEvent>
 #include <QtCore/QtNumeric>
 
+#include <cstdio>
 #include <limits>
 
 // ---- choices ------------------------------------------------------------------------
@@ -1661,6 +1662,16 @@ bool OperationEngine::checkPartial()
 }
 
 // ---- the end ------------------------------------------------------------------------------------------
+
+bool OperationEngine::finishOrReport()
+{
+    if (finish() && m_failure.isEmpty())
+        return true;
+    std::fprintf(stderr, "%s\nlast operations:\n", qPrintable(m_failure));
+    for (const QString& line : qAsConst(m_trail))
+        std::fprintf(stderr, "  %s\n", qPrintable(line));
+    return false;
+}
 
 bool OperationEngine::finish()
 {

@@ -130,6 +130,9 @@ public:
     //! Deletes the views and the models, runs pending deletions and checks that
     //! everything the models were meant to delete is gone; false on a leak.
     bool finish();
+    //! finish(), and on any failure its message and the last operations on
+    //! standard error; for the fuzz targets, which then abort.
+    bool finishOrReport();
 
     QString failure() const { return m_failure; }
     //! The last operations run, oldest first, for failure messages.

@@ -160,7 +160,8 @@ void SoakRun::build()
     m_proxy->setDynamicSortFilter(true);
     m_proxy->setSourceModel(m_filter);
     m_proxy->setFilterRole(XOLATreeItem::NameRole);
-    m_proxy->setFilterFixedString(QStringLiteral("1"));
+    m_proxyFilter = QStringLiteral("1");
+    m_proxy->setFilterFixedString(m_proxyFilter);
     m_proxy->setSortRole(ValueRole);
     m_proxy->sort(0, Qt::AscendingOrder);
 
@@ -482,7 +483,8 @@ void SoakRun::ownerTick()
     } else if (pick < 70) {
         name = QStringLiteral("proxy filter and sort");
         static const QStringList strings{QString(), QStringLiteral("1"), QStringLiteral("n2"), QStringLiteral("5")};
-        m_proxy->setFilterFixedString(strings.at(below(strings.size())));
+        m_proxyFilter = strings.at(below(strings.size()));
+        m_proxy->setFilterFixedString(m_proxyFilter);
         m_proxy->sort(0, below(2) == 0 ? Qt::AscendingOrder : Qt::DescendingOrder);
     } else if (pick < 82) {
         name = QStringLiteral("scroll a ListView");
@@ -846,11 +848,7 @@ QString SoakRun::checkProxy()
     rebuilt.setDynamicSortFilter(true);
     rebuilt.setSourceModel(m_filter);
     rebuilt.setFilterRole(m_proxy->filterRole());
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    rebuilt.setFilterRegularExpression(m_proxy->filterRegularExpression());
-#else
-    rebuilt.setFilterRegExp(m_proxy->filterRegExp());
-#endif
+    rebuilt.setFilterFixedString(m_proxyFilter);
     rebuilt.setSortRole(m_proxy->sortRole());
     rebuilt.sort(m_proxy->sortColumn(), m_proxy->sortOrder());
     if (rebuilt.rowCount() != m_proxy->rowCount())

@@ -138,6 +138,7 @@ private:
     PagingModelImp* m_paging = nullptr;
     PartialModel* m_partial = nullptr;
     QSortFilterProxyModel* m_proxy = nullptr;
+    QString m_proxyFilter; // the proxy's fixed-string filter, for its rebuild
     QItemSelectionModel* m_selection = nullptr;
     QQuickView* m_view = nullptr;
     QList<NoticeBalance*> m_balances;
