@@ -9,6 +9,9 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVariant>
 
+#include <memory>
+
+class IXOLATreeModelPrivate;
 class XOLATreeItem;
 
 /*!
@@ -99,6 +102,13 @@ signals:
     void filterModelChanged();
     void pageChanged(int page);
     void totalPageChanged(int totalPage);
+
+private:
+    Q_DISABLE_COPY(IXOLATreeModel)
+    // The interface keeps no state today. The pointer reserves the one slot any
+    // later state will live behind, so that adding it does not move the
+    // members of classes derived from the interface.
+    const std::unique_ptr<IXOLATreeModelPrivate> d_ptr;
 };
 
 #endif // IXOLATREEMODEL_H

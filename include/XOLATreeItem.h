@@ -5,9 +5,12 @@
 
 #include <QtCore/QMap>
 #include <QtCore/QObject>
-#include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QVariant>
+
+#include <memory>
+
+class XOLATreeItemPrivate;
 
 /*!
  * One row of an XOLATreeModel: an id, a name, an optional child model (which
@@ -48,9 +51,9 @@ public:
     void SetChildModel(QObject* childModel);
     void SetJsonValue(const QMap<QString, QVariant>& value);
 
-    QString id() const { return m_id; }
-    QString name() const { return m_name; }
-    QObject* childModel() const { return m_childModel.data(); }
+    QString id() const;
+    QString name() const;
+    QObject* childModel() const;
     //! The value map; its "childModelRole" entry never names a deleted model.
     QMap<QString, QVariant> jsonValue() const;
 
@@ -59,19 +62,10 @@ signals:
     void childModelValueChanged();
 
 private:
-    static int roleFromName(const QString& roleName);
-    void connectChildModel(QObject* childModel);
-    //! The value map, made from the three fields the first time it is needed.
-    QMap<QString, QVariant>& values() const;
-
-    QString m_id;
-    QString m_name;
-    // Guarded: a child model deleted by its owner reads as none, never as a dangling pointer.
-    QPointer<QObject> m_childModel;
-    // Most items never have their map read: until then it would only repeat
-    // the three fields, so it is made on first use.
-    mutable QMap<QString, QVariant> m_values;
-    mutable bool m_valuesMade = false;
+    Q_DISABLE_COPY(XOLATreeItem)
+    // Everything the item holds lives behind this pointer, so that the layout
+    // hosts compile against stays the same when the item's state changes.
+    const std::unique_ptr<XOLATreeItemPrivate> d_ptr;
 };
 
 #endif // XOLATREEITEM_H

@@ -7,15 +7,10 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QHash>
-#include <QtCore/QSet>
-#include <QtCore/QSharedPointer>
 
 #include <memory>
 
-class ItemWatch;
-class PartialModel;
-class RowIndex;
-class XOLATreeModelWorker;
+class XOLATreeModelPrivate;
 
 /*!
  * The library's list model: rows are XOLATreeItem objects in display order,
@@ -113,84 +108,23 @@ public:
 
     //! The option bits given at construction. (The item flags of an index stay
     //! reachable under the same name.)
-    int flags() const { return m_flags; }
+    int flags() const;
     using IXOLATreeModel::flags;
     //! The keep-sorting mode in force (a SortFlagColne value) and its rules.
-    int sortFlag() const { return m_sortFlag; }
-    QVariantList sortRules() const { return m_sortRules; }
+    int sortFlag() const;
+    QVariantList sortRules() const;
 
 public slots:
     void EmitValueChange();
 
 protected:
-    //! Resolves a role name against roleNames(): first match wins, 0 when unknown.
-    int roleForName(const QString& roleName) const;
-    //! True when called on a thread other than the one that built the model.
-    bool isForeignThread() const;
-    //! Must be called after every change of m_items that neither itemAppended()
-    //! nor itemRemovedAt() describes, so the row index is rebuilt.
-    void itemsReordered() const;
-    //! Row of the first element of m_items equal to object, or -1 (indexed).
-    //! With confirmMiss false a miss in a valid index is trusted (no rebuild).
-    int rowOfItem(const QObject* object, bool confirmMiss = true) const;
-    //! Keeps the row index valid after one item was appended to m_items.
-    void itemAppended(const XOLATreeItem* item) const;
-    //! Keeps the row index valid after the item at row was taken out of m_items.
-    void itemRemovedAt(int row, const XOLATreeItem* item) const;
-    //! Row of the first element of m_items equal to item, or -1; a miss is confirmed by a scan.
-    int listedRow(const XOLATreeItem* item) const;
-    //! Hands an item to the model's thread when it was made on the calling thread.
-    void adoptForeignItem(XOLATreeItem* item) const;
-    static void disposeChildModel(QObject* childModel, bool disconnectChild);
-    static void disposeItem(XOLATreeItem* item);
-    //! Connects an item's valueChanged() so that it reaches views as dataChanged of its row.
-    void connectItem(XOLATreeItem* item);
-    void disconnectItem(XOLATreeItem* item);
-    //! What EmitValueChange() does for the item that sent the change.
-    void valueChangedFrom(const QObject* object);
-    void mergeDuplicate(XOLATreeItem* incoming, XOLATreeItem* existing);
-    bool keepsRemovedItems() const { return (m_flags & KeepRemovedItemsOption) != 0; }
-    bool mergesDuplicates() const { return (m_flags & MergeDuplicatesOption) != 0; }
-
-    int m_flags = 0;
-    PF_COPY_ITEM m_copyItemFunc;
-    PF_MATCH_ITEM m_matchItemFunc;
-    QHash<int, QByteArray> m_roleNames;
-    Qt::HANDLE m_ownerThreadId = nullptr;
-    QList<XOLATreeItem*> m_items;
-    QHash<QString, XOLATreeItem*> m_itemMap;
-    QSharedPointer<PartialModel> m_partialModel;
-    QSharedPointer<XOLATreeModelWorker> m_worker;
-    int m_sortFlag = None;
-    QVariantList m_sortRules;
-
-    //! Takes an item that is gone out of the index: the entries under its id, as
-    //! documented, and any entry still naming it under an id it no longer has.
-    void unindex(XOLATreeItem* item);
-    //! A model that does not own its items (option 2) watches the items it
-    //! lists, so that their deletion by whoever owns them takes them out of its
-    //! rows and index first.
-    void holdItem(XOLATreeItem* item);
-    //! Stops watching an item that no row lists and no index entry names.
-    void releaseUnlisted(XOLATreeItem* item);
-    void releaseAllItems();
+    // Everything the model holds lives behind this pointer, so that the layout
+    // hosts compile against stays the same when the model's state changes.
+    // Derived views of the library reach their rows through it.
+    const std::unique_ptr<XOLATreeModelPrivate> d_ptr;
 
 private:
-    friend class ItemWatch;
-    //! The item is being deleted: every row and index entry holding it goes.
-    void forgetDeletedItem(const XOLATreeItem* item, const QString& id);
-    //! The watch of this model's thread is gone (the thread ended).
-    void watchDetached();
-
-    bool forwardToWorker(const char* method, QGenericReturnArgument result,
-                         QGenericArgument arg0 = QGenericArgument(nullptr), QGenericArgument arg1 = QGenericArgument(nullptr));
-    void clearContainers(const QList<XOLATreeItem*>& spare);
-
-    // Made on first use; see RowIndex.
-    mutable std::unique_ptr<RowIndex> m_rowIndex;
-    bool m_removingAll = false;
-    ItemWatch* m_watch = nullptr;
-    QSet<const XOLATreeItem*> m_heldItems;
+    Q_DISABLE_COPY(XOLATreeModel)
 };
 
 extern "C" {

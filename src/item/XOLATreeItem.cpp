@@ -1,10 +1,11 @@
 #include "XOLATreeItem.h"
 
-#include "ItemWatch.h"
+#include "ItemRegistry.h"
 #include "MetaConnect.h"
 #include "VariantRules.h"
 
 #include <QtCore/QAbstractItemModel>
+#include <QtCore/QPointer>
 #include <QtQml/QQmlEngine>
 
 namespace {
@@ -19,17 +20,56 @@ QVariant objectVariant(QObject* object)
 }
 } // namespace
 
+class XOLATreeItemPrivate
+{
+public:
+    XOLATreeItemPrivate(const QString& id, const QString& name, QObject* childModel)
+        : m_id(id)
+        , m_name(name)
+        , m_childModel(childModel)
+    {
+    }
+
+    static int roleFromName(const QString& roleName);
+    //! The value map, made from the three fields the first time it is needed.
+    QMap<QString, QVariant>& values();
+
+    QString m_id;
+    QString m_name;
+    // Guarded: a child model deleted by its owner reads as none, never as a dangling pointer.
+    QPointer<QObject> m_childModel;
+    // Most items never have their map read: until then it would only repeat
+    // the three fields, so it is made on first use.
+    QMap<QString, QVariant> m_values;
+    bool m_valuesMade = false;
+};
+
+namespace {
+void connectChildModel(XOLATreeItem* item, QObject* childModel)
+{
+    // Only a model has rows to relay; any other object is held without connections.
+    if (!qobject_cast<QAbstractItemModel*>(childModel))
+        return;
+    // Relay the child model's changes as the item's own signal so that views
+    // can react to changes anywhere below the item.
+    MetaConnect::connect(childModel, "dataChanged(QModelIndex,QModelIndex)",
+                         item, "childModelValueChanged()", Qt::AutoConnection);
+    MetaConnect::connect(childModel, "rowsInserted(QModelIndex,int,int)",
+                         item, "childModelValueChanged()", Qt::AutoConnection);
+    MetaConnect::connect(childModel, "rowsRemoved(QModelIndex,int,int)",
+                         item, "childModelValueChanged()", Qt::AutoConnection);
+}
+} // namespace
+
 XOLATreeItem::XOLATreeItem(const QString& id, const QString& name, QObject* childModel)
     : QObject(nullptr)
-    , m_id(id)
-    , m_name(name)
-    , m_childModel(childModel)
+    , d_ptr(new XOLATreeItemPrivate(id, name, childModel))
 {
     if (childModel) {
         // An item with a child model has its map made now: the map records the
         // model's address as given, also after the model is gone.
-        values();
-        connectChildModel(childModel);
+        d_ptr->values();
+        connectChildModel(this, childModel);
     }
     QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
 }
@@ -37,35 +77,20 @@ XOLATreeItem::XOLATreeItem(const QString& id, const QString& name, QObject* chil
 XOLATreeItem::~XOLATreeItem()
 {
     // Models that list the item without owning it let it go before it is gone.
-    ItemWatch::itemDestroyed(this, m_id);
+    ItemRegistry::itemDestroyed(this, d_ptr->m_id);
 }
 
-void XOLATreeItem::connectChildModel(QObject* childModel)
-{
-    // Only a model has rows to relay; any other object is held without connections.
-    if (!qobject_cast<QAbstractItemModel*>(childModel))
-        return;
-    // Relay the child model's changes as this item's own signal so that views
-    // can react to changes anywhere below the item.
-    MetaConnect::connect(childModel, "dataChanged(QModelIndex,QModelIndex)",
-                         this, "childModelValueChanged()", Qt::AutoConnection);
-    MetaConnect::connect(childModel, "rowsInserted(QModelIndex,int,int)",
-                         this, "childModelValueChanged()", Qt::AutoConnection);
-    MetaConnect::connect(childModel, "rowsRemoved(QModelIndex,int,int)",
-                         this, "childModelValueChanged()", Qt::AutoConnection);
-}
-
-int XOLATreeItem::roleFromName(const QString& roleName)
+int XOLATreeItemPrivate::roleFromName(const QString& roleName)
 {
     // Only the three fixed fields have names here; free keys of the value map
     // are reached through the whole map (JsonValueRole) or by a subclass.
     // Compared as text: filters ask for every item, so nothing is built per call.
     if (roleName == QLatin1String("idRole"))
-        return IdRole;
+        return XOLATreeItem::IdRole;
     if (roleName == QLatin1String("nameRole"))
-        return NameRole;
+        return XOLATreeItem::NameRole;
     if (roleName == QLatin1String("childModelRole"))
-        return ChildModelRole;
+        return XOLATreeItem::ChildModelRole;
     return 0;
 }
 
@@ -73,11 +98,11 @@ QVariant XOLATreeItem::getData(int role) const
 {
     switch (role) {
     case IdRole:
-        return QVariant(m_id);
+        return QVariant(d_ptr->m_id);
     case NameRole:
-        return QVariant(m_name);
+        return QVariant(d_ptr->m_name);
     case ChildModelRole:
-        return objectVariant(m_childModel.data());
+        return objectVariant(d_ptr->m_childModel.data());
     case JsonValueRole:
         return QVariant(jsonValue());
     default:
@@ -85,7 +110,7 @@ QVariant XOLATreeItem::getData(int role) const
     }
 }
 
-QMap<QString, QVariant>& XOLATreeItem::values() const
+QMap<QString, QVariant>& XOLATreeItemPrivate::values()
 {
     if (!m_valuesMade) {
         // What the map holds until SetJsonValue() replaces it: the three fields.
@@ -99,16 +124,16 @@ QMap<QString, QVariant>& XOLATreeItem::values() const
 
 QMap<QString, QVariant> XOLATreeItem::jsonValue() const
 {
-    const QMap<QString, QVariant>& map = values();
+    const QMap<QString, QVariant>& map = d_ptr->values();
     // The child model is not the item's: whoever owns it may delete it, and the
     // field then reads as none. The map must read the same, never handing out
     // the address of a deleted model (which a later SetJsonValue of this very
     // map would follow).
     const auto entry = map.constFind(kChildModelKey);
     if (entry != map.constEnd() && entry->userType() == QMetaType::QObjectStar
-        && *static_cast<QObject* const*>(entry->constData()) != m_childModel.data()) {
+        && *static_cast<QObject* const*>(entry->constData()) != d_ptr->m_childModel.data()) {
         QMap<QString, QVariant> copy = map;
-        copy.insert(kChildModelKey, objectVariant(m_childModel.data()));
+        copy.insert(kChildModelKey, objectVariant(d_ptr->m_childModel.data()));
         return copy;
     }
     return map;
@@ -116,7 +141,7 @@ QMap<QString, QVariant> XOLATreeItem::jsonValue() const
 
 QVariant XOLATreeItem::getData(const QString& roleName) const
 {
-    return getData(roleFromName(roleName));
+    return getData(XOLATreeItemPrivate::roleFromName(roleName));
 }
 
 void XOLATreeItem::setData(int role, QVariant value)
@@ -141,26 +166,26 @@ void XOLATreeItem::setData(int role, QVariant value)
 
 void XOLATreeItem::setData(const QString& roleName, QVariant value)
 {
-    setData(roleFromName(roleName), value);
+    setData(XOLATreeItemPrivate::roleFromName(roleName), value);
 }
 
 void XOLATreeItem::SetID(const QString& id)
 {
-    if (id == m_id)
+    if (id == d_ptr->m_id)
         return;
-    m_id = id;
-    if (m_valuesMade)
-        m_values[kIdKey] = QVariant(id);
+    d_ptr->m_id = id;
+    if (d_ptr->m_valuesMade)
+        d_ptr->m_values[kIdKey] = QVariant(id);
     emit valueChanged();
 }
 
 void XOLATreeItem::SetName(const QString& name)
 {
-    if (name == m_name)
+    if (name == d_ptr->m_name)
         return;
-    m_name = name;
-    if (m_valuesMade)
-        m_values[kNameKey] = QVariant(name);
+    d_ptr->m_name = name;
+    if (d_ptr->m_valuesMade)
+        d_ptr->m_values[kNameKey] = QVariant(name);
     emit valueChanged();
 }
 
@@ -173,26 +198,41 @@ void XOLATreeItem::SetChildModel(QObject* childModel)
         QObject::disconnect(this, nullptr, this, nullptr);
         // Connected before the equality test: setting the same model twice
         // relays its changes twice, which existing hosts expect.
-        connectChildModel(childModel);
-        if (childModel == m_childModel)
+        connectChildModel(this, childModel);
+        if (childModel == d_ptr->m_childModel)
             return;
-    } else if (!m_childModel) {
+    } else if (!d_ptr->m_childModel) {
         return;
     }
-    m_childModel = childModel;
-    values()[kChildModelKey] = objectVariant(childModel);
+    d_ptr->m_childModel = childModel;
+    d_ptr->values()[kChildModelKey] = objectVariant(childModel);
     emit valueChanged();
 }
 
 void XOLATreeItem::SetJsonValue(const QMap<QString, QVariant>& value)
 {
-    if (VariantRules::equals(value, values()))
+    if (VariantRules::equals(value, d_ptr->values()))
         return;
-    m_values = value;
+    d_ptr->m_values = value;
     // The non-const subscript is wanted: a map without one of the fixed keys
     // gains it, so a value without "idRole" clears the id.
-    SetID(VariantRules::toString(m_values[kIdKey]));
-    SetName(VariantRules::toString(m_values[kNameKey]));
-    SetChildModel(qvariant_cast<QObject*>(m_values[kChildModelKey]));
+    SetID(VariantRules::toString(d_ptr->m_values[kIdKey]));
+    SetName(VariantRules::toString(d_ptr->m_values[kNameKey]));
+    SetChildModel(qvariant_cast<QObject*>(d_ptr->m_values[kChildModelKey]));
     emit valueChanged();
+}
+
+QString XOLATreeItem::id() const
+{
+    return d_ptr->m_id;
+}
+
+QString XOLATreeItem::name() const
+{
+    return d_ptr->m_name;
+}
+
+QObject* XOLATreeItem::childModel() const
+{
+    return d_ptr->m_childModel.data();
 }

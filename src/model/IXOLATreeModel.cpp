@@ -1,5 +1,10 @@
 #include "IXOLATreeModel.h"
 
+//! Holds nothing yet; see the reserved pointer in the interface.
+class IXOLATreeModelPrivate
+{
+};
+
 IXOLATreeModel::IXOLATreeModel(QObject* parent)
     : QAbstractListModel(parent)
 {

@@ -1,9 +1,9 @@
+// Construction, options and read access.
+
 #include "XOLATreeModel.h"
 
-#include "PartialModel.h"
 #include "RoleNames.h"
-#include "RowIndex.h"
-#include "XOLATreeModelWorker.h"
+#include "XOLATreeModelPrivate.h"
 
 #include <QtCore/QThread>
 #include <QtQml/QQmlEngine>
@@ -27,6 +27,7 @@ QHash<int, QByteArray> defaultRoleNames()
 
 XOLATreeModel::XOLATreeModel()
     : IXOLATreeModel(nullptr)
+    , d_ptr(new XOLATreeModelPrivate(this, false))
 {
     static const int typeId = registerQmlType();
     Q_UNUSED(typeId)
@@ -35,75 +36,80 @@ XOLATreeModel::XOLATreeModel()
 XOLATreeModel::XOLATreeModel(QObject* parent, const QHash<int, QByteArray>& roleNames, int flags,
                              PF_COPY_ITEM copyItemFunc, PF_MATCH_ITEM matchItemFunc)
     : IXOLATreeModel(parent)
-    , m_flags(flags)
-    , m_copyItemFunc(std::move(copyItemFunc))
-    , m_matchItemFunc(std::move(matchItemFunc))
+    , d_ptr(new XOLATreeModelPrivate(this, true))
 {
     static const int typeId = registerQmlType();
     Q_UNUSED(typeId)
+    d_ptr->m_flags = flags;
+    d_ptr->m_copyItemFunc = std::move(copyItemFunc);
+    d_ptr->m_matchItemFunc = std::move(matchItemFunc);
     QQmlEngine::setObjectOwnership(this, (flags & JavaScriptOwnershipOption) ? QQmlEngine::JavaScriptOwnership
                                                                              : QQmlEngine::CppOwnership);
-    m_roleNames = roleNames.isEmpty() ? defaultRoleNames() : roleNames;
-    m_partialModel = QSharedPointer<PartialModel>(new PartialModel(this, this));
-    m_ownerThreadId = QThread::currentThreadId();
-    m_worker = QSharedPointer<XOLATreeModelWorker>(new XOLATreeModelWorker(this));
+    d_ptr->m_roleNames = roleNames.isEmpty() ? defaultRoleNames() : roleNames;
+    // The partial window and the worker are made when first used; the window
+    // hears of every notice from now on.
+    d_ptr->relayToWindow();
+    d_ptr->m_ownerThreadId = QThread::currentThreadId();
 }
 
 XOLATreeModel::~XOLATreeModel()
 {
-    // Whatever thread deletes the model, its rows go here and now: the worker is
-    // about to die with it.
-    m_ownerThreadId = nullptr;
+    // Whatever thread deletes the model, its rows go here and now.
+    d_ptr->m_ownerThreadId = nullptr;
     // Non-virtual on purpose: views and QML see every row go before the model dies.
     XOLATreeModel::RemoveAll();
     // Index entries left by range removals that keep their items are watched too.
-    releaseAllItems();
-    m_sortRules.clear();
-    m_worker.reset();
-    m_partialModel.reset();
+    d_ptr->releaseAllItems();
+    d_ptr->m_sortRules.clear();
+}
+
+int XOLATreeModel::flags() const
+{
+    return d_ptr->m_flags;
+}
+
+int XOLATreeModel::sortFlag() const
+{
+    return d_ptr->m_sortFlag;
+}
+
+QVariantList XOLATreeModel::sortRules() const
+{
+    return d_ptr->m_sortRules;
 }
 
 int XOLATreeModel::rowCount(const QModelIndex& /*parent*/) const
 {
-    return m_items.size();
+    return d_ptr->hasRows() ? d_ptr->rows().count() : 0;
 }
 
 QVariant XOLATreeModel::data(const QModelIndex& index, int role) const
 {
-    const int row = index.row();
-    if (row < 0 || row >= m_items.size())
-        return QVariant();
-    XOLATreeItem* item = m_items.at(row);
+    XOLATreeItem* item = d_ptr->rows().at(index.row());
     return item ? item->getData(role) : QVariant();
 }
 
 QHash<int, QByteArray> XOLATreeModel::roleNames() const
 {
-    return m_roleNames;
-}
-
-int XOLATreeModel::roleForName(const QString& roleName) const
-{
-    return ::roleForName(roleNames(), roleName);
+    return d_ptr->m_roleNames;
 }
 
 QObject* XOLATreeModel::FindItem(int row) const
 {
-    if (row < 0 || row >= m_items.size())
-        return nullptr;
-    return m_items.at(row);
+    return d_ptr->rows().at(row);
 }
 
 QObject* XOLATreeModel::FindItem(const QString& id, bool includeChildModel) const
 {
-    if (XOLATreeItem* found = m_itemMap.value(id, nullptr))
+    const RowStore& rows = d_ptr->rows();
+    if (XOLATreeItem* found = rows.byId(id))
         return found;
-    if (m_itemMap.contains(id))
+    if (rows.hasId(id))
         return nullptr; // a null entry answers as not found
     if (!includeChildModel)
         return nullptr;
     // Depth first, in row order: the first match wins.
-    for (XOLATreeItem* item : m_items) {
+    for (XOLATreeItem* item : rows.items()) {
         if (!item)
             continue;
         if (auto* child = qobject_cast<IXOLATreeModel*>(item->childModel())) {
@@ -122,8 +128,9 @@ QString XOLATreeModel::FindItemID(int row) const
 
 int XOLATreeModel::FindItemRow(const QString& id) const
 {
-    for (int row = 0; row < rowCount() && row < m_items.size(); ++row) {
-        const XOLATreeItem* item = m_items.at(row);
+    const QList<XOLATreeItem*>& items = d_ptr->items();
+    for (int row = 0; row < rowCount() && row < items.size(); ++row) {
+        const XOLATreeItem* item = items.at(row);
         if (item && item->id() == id)
             return row;
     }
@@ -172,7 +179,8 @@ QVariant XOLATreeModel::FindItemValueEx(const QString& id, const QString& roleNa
 void XOLATreeModel::GetAllIDs(QList<QString>& ids, bool includeChildModel)
 {
     // Pre-order: an item's id, then its subtree, then the next item.
-    for (XOLATreeItem* item : qAsConst(m_items)) {
+    const QList<XOLATreeItem*> items = d_ptr->items();
+    for (XOLATreeItem* item : items) {
         if (!item)
             continue;
         ids.append(item->id());
@@ -200,34 +208,6 @@ QVariantMap XOLATreeModel::get(int index)
 void XOLATreeModel::clear()
 {
     RemoveAll();
-}
-
-void XOLATreeModel::SetPartialModelCount(int count)
-{
-    if (m_partialModel)
-        m_partialModel->SetPartialModelCount(count);
-}
-
-QObject* XOLATreeModel::GetPartialModel(int count)
-{
-    // A model made by QML has no window; it answers null.
-    if (!m_partialModel)
-        return nullptr;
-    m_partialModel->SetPartialModelCount(count);
-    return m_partialModel.data();
-}
-
-int XOLATreeModel::FirstPartialModelRow() const
-{
-    return m_partialModel ? m_partialModel->GetFirstPartialModelRow() : 0;
-}
-
-void XOLATreeModel::SetFirstPartialModelRow(int row)
-{
-    if (m_partialModel)
-        m_partialModel->SetFirstPartialModelRow(row);
-    // Emitted even when the row did not change: QML bindings re-read the window.
-    emit firstPartialModelRowChanged();
 }
 
 bool XOLATreeModel::UpdateGroupRole(int)
@@ -266,7 +246,10 @@ int XOLATreeModel::totalPage() const
 
 QList<XOLATreeItem*>* XOLATreeModel::GetModelItemList()
 {
-    // The caller may rearrange the rows through this pointer.
-    itemsReordered();
-    return &m_items;
+    return d_ptr->rows().handToHost();
+}
+
+int XOLATreeModelPrivate::roleForName(const QString& roleName) const
+{
+    return ::roleForName(q_ptr->roleNames(), roleName);
 }

@@ -15,7 +15,7 @@ class XOLATreeModel;
  * threads: the model invokes these slots with a blocking queued connection.
  * Item pointers travel as QVariant values of type VoidStar.
  */
-class XOLATREEMODEL_EXPORT XOLATreeModelWorker : public QObject
+class XOLATreeModelWorker : public QObject
 {
     Q_OBJECT
 

@@ -13,7 +13,7 @@ class QObject;
 //! Separator used when a string list is rendered as one text: a fixed GUID text,
 //! so that hosts can split the text again. A substring rule may still match the
 //! separator itself (any list of two or more entries contains "ABC6").
-XOLATREEMODEL_EXPORT extern const char* const kStringListSeparator;
+extern const char* const kStringListSeparator;
 
 /*!
  * A comparable value: one QVariant with a direction and, optionally, a caller's
@@ -24,7 +24,7 @@ XOLATREEMODEL_EXPORT extern const char* const kStringListSeparator;
  * A descending value flips every comparison by plain negation (not by swapping
  * the operands): the sorts' tie orders depend on that.
  */
-class XOLATREEMODEL_EXPORT MyVariant
+class MyVariant
 {
 public:
     explicit MyVariant(const QVariant& value);

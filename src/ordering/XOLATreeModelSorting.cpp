@@ -12,6 +12,7 @@
 #include "XOLATreeModel.h"
 
 #include "MultiInsertionTree.h"
+#include "XOLATreeModelPrivate.h"
 #include "MyVariant.h"
 #include "MyVariantEx.h"
 #include "VariantRules.h"
@@ -243,43 +244,42 @@ private:
 
 void XOLATreeModel::SortByRole(int role, bool ascending, PF_LESS_THAN pfLessThan)
 {
-    if (m_items.isEmpty())
+    if (!d_ptr->hasRows())
         return;
+    RowStore& rows = d_ptr->rows();
     if (pfLessThan) {
-        m_items = rowByRowOrder(m_items, role, [ascending, &pfLessThan](const QVariant& v) {
+        rows.reorder(rowByRowOrder(rows.items(), role, [ascending, &pfLessThan](const QVariant& v) {
             return MyVariant(v, ascending, pfLessThan);
-        });
+        }));
     } else {
-        const RoleValues values = readRoleValues(m_items, role);
-        m_items = builtInOrder(values.valued, ascending);
-        m_items.append(values.invalid);
+        const RoleValues values = readRoleValues(rows.items(), role);
+        rows.reorder(builtInOrder(values.valued, ascending) + values.invalid);
     }
-    itemsReordered();
     // Rows are rebuilt, not moved: views re-read every row.
-    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
-    m_sortFlag = None;
+    rows.rowsChanged(0, rows.count() - 1);
+    d_ptr->m_sortFlag = None;
 }
 
 void XOLATreeModel::SortByRole(const QString& roleName, bool ascending, PF_LESS_THAN pfLessThan)
 {
-    SortByRole(roleForName(roleName), ascending, std::move(pfLessThan));
+    SortByRole(d_ptr->roleForName(roleName), ascending, std::move(pfLessThan));
 }
 
 void XOLATreeModel::SortByRoleAndKeep(int role, bool ascending, PF_LESS_THAN pfLessThan)
 {
     SortByRole(role, ascending, std::move(pfLessThan));
-    m_sortFlag = KeepSorting;
+    d_ptr->m_sortFlag = KeepSorting;
     // Later re-sorts go by this rule alone; the caller's function is not kept.
     QVariantMap rule;
     rule.insert(QStringLiteral("RoleName"), QVariant(roleNames().value(role)));
     rule.insert(QStringLiteral("Ascending"), ascending);
-    m_sortRules.clear();
-    m_sortRules.append(rule);
+    d_ptr->m_sortRules.clear();
+    d_ptr->m_sortRules.append(rule);
 }
 
 void XOLATreeModel::SortByRoleAndKeep(const QString& roleName, bool ascending, PF_LESS_THAN pfLessThan)
 {
-    SortByRoleAndKeep(roleForName(roleName), ascending, std::move(pfLessThan));
+    SortByRoleAndKeep(d_ptr->roleForName(roleName), ascending, std::move(pfLessThan));
 }
 
 // ---- by a QML or script function ----------------------------------------------------
@@ -296,19 +296,17 @@ void XOLATreeModel::SortByRoleByQMLFunction(int role, bool ascending, QString fi
     // compared by the built-in comparison.
     QObject* object = component.isReady() ? component.create() : nullptr;
 
+    RowStore& rows = d_ptr->rows();
     if (object) {
-        m_items = rowByRowOrder(m_items, role, [&](const QVariant& v) {
+        rows.reorder(rowByRowOrder(rows.items(), role, [&](const QVariant& v) {
             return MyVariant(v, ascending, object, compareFunctionName);
-        });
+        }));
     } else {
-        const RoleValues values = readRoleValues(m_items, role);
-        m_items = builtInOrder(values.valued, ascending) + values.invalid;
+        const RoleValues values = readRoleValues(rows.items(), role);
+        rows.reorder(builtInOrder(values.valued, ascending) + values.invalid);
     }
-    itemsReordered();
-    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
-    // Sent without layoutAboutToBeChanged: hosts written for this model re-read
-    // the rows on layoutChanged alone.
-    emit layoutChanged(QList<QPersistentModelIndex>(), QAbstractItemModel::NoLayoutChangeHint);
+    rows.rowsChanged(0, rows.count() - 1);
+    rows.layoutChangedWithoutAboutToBe();
 
     delete object;
 }
@@ -316,7 +314,7 @@ void XOLATreeModel::SortByRoleByQMLFunction(int role, bool ascending, QString fi
 void XOLATreeModel::SortByRoleByQMLFunction(const QString& roleName, bool ascending, QString fileName,
                                             QString compareFunctionName)
 {
-    SortByRoleByQMLFunction(roleForName(roleName), ascending, fileName, compareFunctionName);
+    SortByRoleByQMLFunction(d_ptr->roleForName(roleName), ascending, fileName, compareFunctionName);
 }
 
 void XOLATreeModel::SortByRoleByScriptFunction(int role, bool ascending, QString fileName, QString compareFunctionName)
@@ -336,20 +334,18 @@ void XOLATreeModel::SortByRoleByScriptFunction(int role, bool ascending, QString
     if (function.isError())
         return;
 
-    m_items = rowByRowOrder(m_items, role,
-                            [&](const QVariant& v) { return MyVariant(v, ascending, &engine, &function); });
-    itemsReordered();
-    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
-    emit layoutChanged(QList<QPersistentModelIndex>(), QAbstractItemModel::NoLayoutChangeHint);
-    // A reset end without a begin: existing hosts refresh their delegates on
-    // modelReset after a script sort.
-    endResetModel();
+    RowStore& rows = d_ptr->rows();
+    rows.reorder(rowByRowOrder(rows.items(), role,
+                               [&](const QVariant& v) { return MyVariant(v, ascending, &engine, &function); }));
+    rows.rowsChanged(0, rows.count() - 1);
+    rows.layoutChangedWithoutAboutToBe();
+    rows.unpairedResetEnd();
 }
 
 void XOLATreeModel::SortByRoleByScriptFunction(const QString& roleName, bool ascending, QString fileName,
                                                QString compareFunctionName)
 {
-    SortByRoleByScriptFunction(roleForName(roleName), ascending, fileName, compareFunctionName);
+    SortByRoleByScriptFunction(d_ptr->roleForName(roleName), ascending, fileName, compareFunctionName);
 }
 
 // ---- by rules ---------------------------------------------------------------------
@@ -521,19 +517,20 @@ bool rankedRulesOrder(const QList<XOLATreeItem*>& items, const MyVariantEx::Reso
 void XOLATreeModel::SortByRules(const QVariantList& givenRules, int flag)
 {
     const QVariantList rules = VariantRules::listArgument(givenRules);
-    m_sortFlag = flag;
-    if (!m_sortRules.isSharedWith(rules))
-        m_sortRules = rules;
+    d_ptr->m_sortFlag = flag;
+    if (!d_ptr->m_sortRules.isSharedWith(rules))
+        d_ptr->m_sortRules = rules;
 
     const QHash<int, QByteArray> names = roleNames();
     const QSharedPointer<const MyVariantEx::ResolvedRules> resolved(
         new MyVariantEx::ResolvedRules(MyVariantEx::resolveRules(rules, names)));
     // With removed items left alive the children belong to the host, which
     // sorts them itself.
-    const bool sortChildren = flag == RecursiveKeepSorting && !keepsRemovedItems();
+    const bool sortChildren = flag == RecursiveKeepSorting && !d_ptr->keepsRemovedItems();
     SortingChildrenScope scope(this);
 
-    const QList<XOLATreeItem*> items = m_items;
+    RowStore& rows = d_ptr->rows();
+    const QList<XOLATreeItem*> items = rows.items();
     // Children first, in row order: every comparison below sees rows whose
     // children are already in order.
     if (sortChildren) {
@@ -541,7 +538,7 @@ void XOLATreeModel::SortByRules(const QVariantList& givenRules, int flag)
             QObject* childModel = item ? item->childModel() : nullptr;
             if (childModel && !modelsSortingChildren().contains(childModel)) {
                 if (auto* child = qobject_cast<IXOLATreeModel*>(childModel))
-                    child->SortByRules(m_sortRules, RecursiveKeepSorting);
+                    child->SortByRules(d_ptr->m_sortRules, RecursiveKeepSorting);
             }
         }
     }
@@ -556,7 +553,6 @@ void XOLATreeModel::SortByRules(const QVariantList& givenRules, int flag)
             map.insert(MyVariantEx(item, rules, names, resolved), item);
         order = map.values();
     }
-    m_items = order;
-    itemsReordered();
-    emit dataChanged(index(0), index(m_items.size() - 1), QVector<int>());
+    rows.reorder(order);
+    rows.rowsChanged(0, rows.count() - 1);
 }

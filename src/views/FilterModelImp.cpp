@@ -3,6 +3,7 @@
 #include "FilterRules.h"
 #include "MetaConnect.h"
 #include "VariantRules.h"
+#include "XOLATreeModelPrivate.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QMetaType>
@@ -118,21 +119,17 @@ void FilterModelImp::Initial()
 void FilterModelImp::dropValueConnection(XOLATreeItem* item)
 {
     if (item)
-        disconnectItem(item);
+        d_ptr->disconnectItem(item);
 }
 
 void FilterModelImp::removeListedRow(int row)
 {
-    XOLATreeItem* item = m_items.at(row);
+    XOLATreeItem* item = d_ptr->rows().at(row);
     const QString id = item->id();
     // Exactly what RemoveOne(id) does for a view, which keeps its items alive,
     // without searching for the row again.
-    beginRemoveRows(QModelIndex(), row, row);
-    m_items.removeAt(row);
-    unindex(item);
-    itemRemovedAt(row, item);
-    endRemoveRows();
-    releaseUnlisted(item);
+    d_ptr->rows().removeAt(row, true);
+    d_ptr->releaseUnlisted(item);
     emit itemsRemoved(QStringList{id});
     emit rowCountChanged();
     // Its changes no longer concern this view; it is connected again if it returns.
@@ -231,7 +228,7 @@ bool FilterModelImp::ReGenFilterModel()
         if (item && IsMatchRule(item))
             passing << item;
     }
-    for (XOLATreeItem* item : qAsConst(m_items))
+    for (XOLATreeItem* item : d_ptr->items())
         dropValueConnection(item);
     for (XOLATreeItem* item : qAsConst(passing))
         dropValueConnection(item);
@@ -267,10 +264,7 @@ QVariant FilterModelImp::data(const QModelIndex& index, int role) const
 {
     if (!m_sourceModel)
         return QVariant();
-    const int row = index.row();
-    if (row < 0 || row >= m_items.size())
-        return QVariant();
-    XOLATreeItem* item = m_items.at(row);
+    XOLATreeItem* item = d_ptr->rows().at(index.row());
     if (!item)
         return QVariant();
     if (role != XOLATreeItem::ChildModelRole)
@@ -313,8 +307,9 @@ QString FilterModelImp::FindItemID(int row) const
 
 int FilterModelImp::FindItemRow(const QString& id) const
 {
-    for (int row = 0; row < m_items.size(); ++row) {
-        const XOLATreeItem* item = m_items.at(row);
+    const QList<XOLATreeItem*>& items = d_ptr->items();
+    for (int row = 0; row < items.size(); ++row) {
+        const XOLATreeItem* item = items.at(row);
         if (item && item->id() == id)
             return row;
     }
@@ -372,24 +367,21 @@ void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, c
         // Entering items join at the end, whatever the new-item position says.
         // They are listed after the removals, so that every removal notice
         // describes exactly the rows the view has announced.
-        const int firstNew = m_items.size();
+        RowStore& rows = d_ptr->rows();
+        const int firstNew = rows.count();
         for (XOLATreeItem* item : qAsConst(entering)) {
             dropValueConnection(item);
-            connectItem(item);
-            m_items.append(item);
-            m_itemMap.insert(item->id(), item);
-            // Keeps the row index current (or marks it stale) for the new row.
-            itemAppended(item);
+            d_ptr->connectItem(item);
+            rows.appendQuietly(item);
         }
         // Announced once the rows are in place, as the bulk loaders do.
-        beginInsertRows(QModelIndex(), firstNew, m_items.size() - 1);
-        endInsertRows();
+        rows.announceInsertedAfterChange(firstNew, rows.count() - 1);
     }
 
-    if (m_sortFlag != None)
+    if (d_ptr->m_sortFlag != None)
         KeepSortingCheck();
-    else if (wholeView && !m_items.isEmpty())
-        emit dataChanged(index(0, 0), index(m_items.size() - 1, 0));
+    else if (wholeView && d_ptr->hasRows())
+        d_ptr->rows().rowsChanged(0, d_ptr->rows().count() - 1);
 }
 
 void FilterModelImp::followFewChangedRows(int first, int last, QList<XOLATreeItem*>& entering, bool& wholeView)
@@ -400,14 +392,15 @@ void FilterModelImp::followFewChangedRows(int first, int last, QList<XOLATreeIte
     // Rows come from the row index, which follows this view's appends and
     // single removals, so a change of every source row stays near linear.
     IXOLATreeModel* source = m_sourceModel.data();
+    const RowStore& rows = d_ptr->rows();
     for (int row = first; row <= last; ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
         if (!item)
             continue;
         const QString id = item->id();
-        XOLATreeItem* keyed = m_itemMap.value(id);
-        const int ownRow = rowOfItem(item, false);
-        const int keyedRow = !keyed ? -1 : keyed == item ? ownRow : rowOfItem(keyed, false);
+        XOLATreeItem* keyed = rows.byId(id);
+        const int ownRow = rows.rowOf(item, false);
+        const int keyedRow = !keyed ? -1 : keyed == item ? ownRow : rows.rowOf(keyed, false);
         const bool listed = ownRow >= 0 || (keyedRow >= 0 && keyed->id() == id);
         const bool passes = IsMatchRule(item);
         if (passes && !listed) {
@@ -428,10 +421,11 @@ void FilterModelImp::followManyChangedRows(int first, int last, QList<XOLATreeIt
     // The view's ids before the change, hashed with the row each held: a change
     // over the whole source costs one lookup per row. An id listed twice maps
     // to -1 and is removed the slow way.
+    const RowStore& rows = d_ptr->rows();
     QHash<QString, int> listedRows;
-    listedRows.reserve(m_items.size());
-    for (int row = 0; row < m_items.size(); ++row) {
-        const XOLATreeItem* item = m_items.at(row);
+    listedRows.reserve(rows.count());
+    for (int row = 0; row < rows.count(); ++row) {
+        const XOLATreeItem* item = rows.at(row);
         if (!item)
             continue;
         auto it = listedRows.find(item->id());
@@ -440,7 +434,7 @@ void FilterModelImp::followManyChangedRows(int first, int last, QList<XOLATreeIt
         else
             it.value() = -1;
     }
-    RemovedRows removedRows(m_items.size());
+    RemovedRows removedRows(rows.count());
     // Cleared once the rows no longer match the snapshot minus the rows taken
     // out (a listener changed the view meanwhile); then every removal searches.
     bool rowsKnown = true;
@@ -459,7 +453,7 @@ void FilterModelImp::followManyChangedRows(int first, int last, QList<XOLATreeIt
         } else if (listed != listedRows.constEnd()) {
             const int oldRow = listed.value();
             const int viewRow = rowsKnown && oldRow >= 0 ? oldRow - removedRows.before(oldRow) : -1;
-            if (viewRow >= 0 && viewRow < m_items.size() && m_items.at(viewRow) == m_itemMap.value(id)) {
+            if (viewRow >= 0 && viewRow < rows.count() && rows.at(viewRow) == rows.byId(id)) {
                 removeListedRow(viewRow);
                 removedRows.mark(oldRow);
             } else if (RemoveOne(id)) {
@@ -485,7 +479,7 @@ void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, 
         // single prepend) names an item this view may already list; listing it
         // twice would leave a row behind when the source later drops the item.
         // The view is not changed inside this loop, so a cached miss is trusted.
-        if (rowOfItem(item, false) >= 0)
+        if (d_ptr->rows().rowOf(item, false) >= 0)
             continue;
         if (IsMatchRule(item))
             passing << item;
@@ -524,7 +518,7 @@ void FilterModelImp::ChildModelValueChangedHandler()
     if (!item || !m_sourceModel)
         return;
     // Found through the row index; a miss is confirmed by a scan of the rows.
-    const bool listed = listedRow(item) >= 0;
+    const bool listed = d_ptr->rows().listedRow(item) >= 0;
     if (!isListedBySource(item)) {
         if (listed)
             RemoveOne(item->id());

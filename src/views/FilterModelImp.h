@@ -14,7 +14,7 @@
  * the last full rebuild. Built with option bits 3: the QML engine owns it and
  * it never deletes the source's items.
  */
-class XOLATREEMODEL_EXPORT FilterModelImp : public XOLATreeModel
+class FilterModelImp : public XOLATreeModel
 {
     Q_OBJECT
 

@@ -13,9 +13,9 @@ class XOLATreeItem;
 
 //! One comparison: {"RoleName", "Rule", "Value"}. Told apart from the other
 //! format by the presence of the key "Rule".
-XOLATREEMODEL_EXPORT bool DoCheckWithVersionOne(const XOLATreeItem* item, const QMap<QString, QVariant>& rule);
+bool DoCheckWithVersionOne(const XOLATreeItem* item, const QMap<QString, QVariant>& rule);
 //! Several comparisons on one role: {"RoleName", "Rules": [{"Rule", "Value"}...], "OrAllRules"}.
-XOLATREEMODEL_EXPORT bool DoCheckWithVersionTwo(const XOLATreeItem* item, const QMap<QString, QVariant>& rule);
+bool DoCheckWithVersionTwo(const XOLATreeItem* item, const QMap<QString, QVariant>& rule);
 
 /*!
  * A rule list read once: the maps are looked up, the operands converted and
@@ -25,7 +25,7 @@ XOLATREEMODEL_EXPORT bool DoCheckWithVersionTwo(const XOLATreeItem* item, const 
  * entry, stopping as the "or"/"and" mode says), including reading an item's
  * value afresh for every comparison.
  */
-class XOLATREEMODEL_EXPORT CompiledFilterRules
+class CompiledFilterRules
 {
 public:
     CompiledFilterRules() = default;

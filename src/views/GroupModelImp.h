@@ -12,7 +12,7 @@
  * item (id and name are the key) whose child model holds the source's own items
  * of that group, in source order. Groups appear in order of first appearance.
  */
-class XOLATREEMODEL_EXPORT GroupModelImp : public XOLATreeModel
+class GroupModelImp : public XOLATreeModel
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "PagingModelImp.h"
 
 #include "MetaConnect.h"
+#include "RowNotices.h"
 
 namespace {
 // A page size of 0 means "everything on one page".
@@ -200,12 +201,10 @@ void PagingModelImp::adjustAnnouncedRowCount()
     // The rows already changed (the page or the source moved); the notice only
     // brings the announced count in line.
     if (now > before) {
-        beginInsertRows(QModelIndex(), before, now - 1);
-        endInsertRows();
+        RowNotices::announceInsertedAfterChange(*this, before, now - 1);
         emit rowCountChanged();
     } else if (now < before) {
-        beginRemoveRows(QModelIndex(), now, before - 1);
-        endRemoveRows();
+        RowNotices::announceRemovedAfterChange(*this, now, before - 1);
         emit rowCountChanged();
     }
     m_lastRowCount = rowCount();
@@ -250,8 +249,7 @@ void PagingModelImp::SourceModelItemRemovedHandler(const QModelIndex& /*parent*/
         setPage(LastPage());
     m_lastRowCount = rowCount();
     if (unsigned(start) / m_numPerPage < unsigned(m_page)) {
-        beginResetModel();
-        endResetModel();
+        RowNotices::reset(*this);
         emit rowCountChanged();
     }
 }

@@ -10,7 +10,7 @@
  * row numPerPage * page + r. Page arithmetic is unsigned 32-bit; a page size of
  * 0 means every row on one page.
  */
-class XOLATREEMODEL_EXPORT PagingModelImp : public XOLATreeModel
+class PagingModelImp : public XOLATreeModel
 {
     Q_OBJECT
 

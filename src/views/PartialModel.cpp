@@ -2,6 +2,9 @@
 
 #include "IXOLATreeModel.h"
 #include "MetaConnect.h"
+#include "RowNotices.h"
+
+#include <QtCore/QMetaMethod>
 
 PartialModel::PartialModel(QObject* sourceModel, QObject* parent)
     : QAbstractListModel(parent)
@@ -19,7 +22,26 @@ PartialModel::PartialModel(QObject* sourceModel, QObject* parent)
     MetaConnect::connect(sourceModel, "layoutChanged()", this, "layoutChanged()");
 }
 
+PartialModel::PartialModel(QObject* sourceModel, QObject* parent, RelayedBySource)
+    : QAbstractListModel(parent)
+    , m_sourceModel(sourceModel)
+{
+}
+
 PartialModel::~PartialModel() = default;
+
+void PartialModel::followSourceReset()
+{
+    // modelReset() cannot be emitted from outside the model class; invoking the
+    // signal emits it exactly as a signal-to-signal connection would.
+    static const QMetaMethod reset = QMetaMethod::fromSignal(&QAbstractItemModel::modelReset);
+    reset.invoke(this, Qt::DirectConnection);
+}
+
+void PartialModel::followSourceLayoutChange()
+{
+    emit layoutChanged();
+}
 
 IXOLATreeModel* PartialModel::source() const
 {
@@ -95,13 +117,11 @@ void PartialModel::SetFirstPartialModelRow(int row)
     const int newShown = shown();
     if (newShown == oldShown)
         return;
-    if (oldShown < newShown) {
-        beginInsertRows(QModelIndex(), oldShown, newShown - 1);
-        endInsertRows();
-    } else {
-        beginRemoveRows(QModelIndex(), newShown, oldShown - 1);
-        endRemoveRows();
-    }
+    // The window already shows the new rows; the notice brings the count in line.
+    if (oldShown < newShown)
+        RowNotices::announceInsertedAfterChange(*this, oldShown, newShown - 1);
+    else
+        RowNotices::announceRemovedAfterChange(*this, newShown, oldShown - 1);
     emit rowCountChanged();
 }
 
@@ -110,10 +130,8 @@ void PartialModel::SetPartialModelCount(int count)
     // The whole window is announced as removed and inserted again, also when
     // the size is unchanged: delegates are rebuilt from scratch.
     const int before = shown();
-    if (before >= 1) {
-        beginRemoveRows(QModelIndex(), 0, before - 1);
-        endRemoveRows();
-    }
+    if (before >= 1)
+        RowNotices::announceRemovedAfterChange(*this, 0, before - 1);
     if (count < 1) {
         m_count = 0;
         return;
@@ -122,12 +140,10 @@ void PartialModel::SetPartialModelCount(int count)
     const int after = shown();
     if (source() && after < 1) {
         // One row is announced although none is shown; kept for existing hosts.
-        beginInsertRows(QModelIndex(), 0, 0);
-        endInsertRows();
+        RowNotices::announceInsertedAfterChange(*this, 0, 0);
         return;
     }
-    beginInsertRows(QModelIndex(), 0, after - 1);
-    endInsertRows();
+    RowNotices::announceInsertedAfterChange(*this, 0, after - 1);
 }
 
 void PartialModel::SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight)
@@ -151,8 +167,7 @@ void PartialModel::SourceModelDataChangedHandler(const QModelIndex& topLeft, con
 void PartialModel::SourceModelCountChangedHandler(const QModelIndex& /*parent*/, int start, int /*end*/)
 {
     if (shown() + m_firstRow >= start) {
-        beginResetModel();
-        endResetModel();
+        RowNotices::reset(*this);
         emit rowCountChanged();
     }
 }

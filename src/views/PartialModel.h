@@ -13,13 +13,19 @@ class IXOLATreeModel;
  * source rows from a first row, renumbered from 0. Every fully constructed
  * model owns one over itself.
  */
-class XOLATREEMODEL_EXPORT PartialModel : public QAbstractListModel
+class PartialModel : public QAbstractListModel
 {
     Q_OBJECT
     Q_PROPERTY(int count READ rowCount NOTIFY rowCountChanged)
 
 public:
     PartialModel(QObject* sourceModel, QObject* parent);
+    //! A window whose source model relays its notices to it itself (see
+    //! followSourceReset() and the handlers): the window makes no connections.
+    struct RelayedBySource
+    {
+    };
+    PartialModel(QObject* sourceModel, QObject* parent, RelayedBySource);
     ~PartialModel() override;
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -36,6 +42,11 @@ public:
 
 signals:
     void rowCountChanged();
+
+public:
+    //! What the window does on the source's modelReset() and layoutChanged().
+    void followSourceReset();
+    void followSourceLayoutChange();
 
 public slots:
     void SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight);

@@ -7,6 +7,7 @@
 #include "GroupModelImp.h"
 #include "PagingModelImp.h"
 #include "VariantRules.h"
+#include "XOLATreeModelPrivate.h"
 
 QObject* XOLATreeModel::GetFilterModel(QVariantList filterRules, bool orAllRules, int newItemPos)
 {
@@ -15,7 +16,7 @@ QObject* XOLATreeModel::GetFilterModel(QVariantList filterRules, bool orAllRules
 
 QObject* XOLATreeModel::GetFilterModelByUserDefinedRules(QVariant filterRules, int newItemPos)
 {
-    return new FilterModelImp(this, m_matchItemFunc, filterRules, newItemPos);
+    return new FilterModelImp(this, d_ptr->m_matchItemFunc, filterRules, newItemPos);
 }
 
 QObject* XOLATreeModel::GetGroupModel(int role, bool keepSortWithSource)
@@ -25,7 +26,7 @@ QObject* XOLATreeModel::GetGroupModel(int role, bool keepSortWithSource)
 
 QObject* XOLATreeModel::GetGroupModel(const QString& roleName, bool keepSortWithSource)
 {
-    return new GroupModelImp(this, roleForName(roleName), keepSortWithSource);
+    return new GroupModelImp(this, d_ptr->roleForName(roleName), keepSortWithSource);
 }
 
 QObject* XOLATreeModel::GetPagingModel(uint numPerPage)

@@ -4,6 +4,7 @@
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
+#include "XOLATreeModelPrivate.h"
 #include "XOLATreeModelWorker.h"
 
 #include <QtCore/QEventLoop>
@@ -40,7 +41,7 @@ class WorkerAccess : public XOLATreeModel
 {
 public:
     using XOLATreeModel::XOLATreeModel;
-    XOLATreeModelWorker* worker() const { return m_worker.data(); }
+    XOLATreeModelWorker* worker() const { return d_ptr->worker(); }
 };
 
 /*!
