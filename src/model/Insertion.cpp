@@ -56,25 +56,59 @@ XOLATreeModelPrivate::Admission XOLATreeModelPrivate::admit(XOLATreeItem* item, 
     return Admission::MergeInto;
 }
 
-void XOLATreeModelPrivate::mergeSingle(XOLATreeItem* incoming, XOLATreeItem* existing, const QString& id)
+bool XOLATreeModelPrivate::addSingle(XOLATreeItem* item, Placement placement)
 {
-    if (existing)
-        q_ptr->HandleDuplicatedItem(incoming, existing);
-    const int row = q_ptr->FindItemRow(id);
-    rows().rowsChanged(row, row);
-    delete incoming;
+    XOLATreeItem* existing = nullptr;
+    switch (admit(item, ListedId::Merge, &existing)) {
+    case Admission::Refuse:
+        return false;
+    case Admission::MergeInto: {
+        const QString id = item->id();
+        if (existing)
+            q_ptr->HandleDuplicatedItem(item, existing);
+        const int row = q_ptr->FindItemRow(id);
+        rows().rowsChanged(row, row);
+        delete item;
+        q_ptr->KeepSortingCheck();
+        // Emitted by AppendItem although the count is unchanged: hosts re-read
+        // the count on every append.
+        if (placement == Placement::Append)
+            emit q_ptr->rowCountChanged();
+        return true;
+    }
+    case Admission::Insert:
+        break;
+    }
+    connectItem(item);
+    if (placement == Placement::Append)
+        rows().append(item);
+    else
+        rows().prependAnnouncedAtOldEnd(item);
     q_ptr->KeepSortingCheck();
+    emit q_ptr->rowCountChanged();
+    return true;
 }
 
-void XOLATreeModelPrivate::mergeQuietly(XOLATreeItem* incoming, XOLATreeItem* existing)
+bool XOLATreeModelPrivate::admitForLoading(XOLATreeItem* item)
 {
-    // No dataChanged for merged rows in bulk loads, unlike AppendItem: neither a
-    // notice of its own nor one echoed from the merged item's change.
-    if (existing) {
-        const QuietMerge quiet(q_ptr, existing);
-        q_ptr->HandleDuplicatedItem(incoming, existing);
+    XOLATreeItem* existing = nullptr;
+    switch (admit(item, ListedId::Merge, &existing)) {
+    case Admission::Refuse:
+        return false; // already listed: neither merged away nor deleted
+    case Admission::MergeInto:
+        // No dataChanged for merged rows in bulk loads, unlike AppendItem:
+        // neither a notice of its own nor one echoed from the merged item's change.
+        if (existing) {
+            const QuietMerge quiet(q_ptr, existing);
+            q_ptr->HandleDuplicatedItem(item, existing);
+        }
+        delete item;
+        return false;
+    case Admission::Insert:
+        break;
     }
-    delete incoming;
+    connectItem(item);
+    return true;
 }
 
 void XOLATreeModel::CopyItem(XOLATreeItem* source, XOLATreeItem* destination)
@@ -132,24 +166,7 @@ bool XOLATreeModel::AppendItem(XOLATreeItem* item)
         d_ptr->adoptForeignItem(item);
         return d_ptr->onModelThread([&] { return AppendItem(item); });
     }
-    XOLATreeItem* existing = nullptr;
-    switch (d_ptr->admit(item, XOLATreeModelPrivate::ListedId::Merge, &existing)) {
-    case XOLATreeModelPrivate::Admission::Refuse:
-        return false;
-    case XOLATreeModelPrivate::Admission::MergeInto:
-        d_ptr->mergeSingle(item, existing, item->id());
-        // Emitted although the count is unchanged: hosts re-read the count on
-        // every append.
-        emit rowCountChanged();
-        return true;
-    case XOLATreeModelPrivate::Admission::Insert:
-        break;
-    }
-    d_ptr->connectItem(item);
-    d_ptr->rows().append(item);
-    KeepSortingCheck();
-    emit rowCountChanged();
-    return true;
+    return d_ptr->addSingle(item, XOLATreeModelPrivate::Placement::Append);
 }
 
 bool XOLATreeModel::PrependItem(XOLATreeItem* item)
@@ -158,21 +175,7 @@ bool XOLATreeModel::PrependItem(XOLATreeItem* item)
         return false;
     if (d_ptr->isForeignThread())
         return d_ptr->prependFromForeignThread();
-    XOLATreeItem* existing = nullptr;
-    switch (d_ptr->admit(item, XOLATreeModelPrivate::ListedId::Merge, &existing)) {
-    case XOLATreeModelPrivate::Admission::Refuse:
-        return false;
-    case XOLATreeModelPrivate::Admission::MergeInto:
-        d_ptr->mergeSingle(item, existing, item->id());
-        return true;
-    case XOLATreeModelPrivate::Admission::Insert:
-        break;
-    }
-    d_ptr->connectItem(item);
-    d_ptr->rows().prependAnnouncedAtOldEnd(item);
-    KeepSortingCheck();
-    emit rowCountChanged();
-    return true;
+    return d_ptr->addSingle(item, XOLATreeModelPrivate::Placement::PrependAnnouncedAtOldEnd);
 }
 
 // ---- change notification ----------------------------------------------------------------

@@ -23,19 +23,8 @@ bool XOLATreeModel::AppendItemsList(QList<XOLATreeItem*> itemList)
     int added = 0;
     rows.reserve(first + itemList.size());
     for (XOLATreeItem* item : qAsConst(itemList)) {
-        if (!item)
+        if (!item || !d_ptr->admitForLoading(item))
             continue;
-        XOLATreeItem* existing = nullptr;
-        switch (d_ptr->admit(item, XOLATreeModelPrivate::ListedId::Merge, &existing)) {
-        case XOLATreeModelPrivate::Admission::Refuse:
-            continue; // already listed: neither merged away nor deleted
-        case XOLATreeModelPrivate::Admission::MergeInto:
-            d_ptr->mergeQuietly(item, existing);
-            continue;
-        case XOLATreeModelPrivate::Admission::Insert:
-            break;
-        }
-        d_ptr->connectItem(item);
         rows.appendQuietly(item);
         ++added;
     }
@@ -59,19 +48,8 @@ bool XOLATreeModel::PrependItemsList(QList<XOLATreeItem*> itemList)
     // two equal ids the later one is listed.
     for (int i = itemList.size() - 1; i >= 0; --i) {
         XOLATreeItem* item = itemList.at(i);
-        if (!item)
+        if (!item || !d_ptr->admitForLoading(item))
             continue;
-        XOLATreeItem* existing = nullptr;
-        switch (d_ptr->admit(item, XOLATreeModelPrivate::ListedId::Merge, &existing)) {
-        case XOLATreeModelPrivate::Admission::Refuse:
-            continue; // already listed: neither merged away nor deleted
-        case XOLATreeModelPrivate::Admission::MergeInto:
-            d_ptr->mergeQuietly(item, existing);
-            continue;
-        case XOLATreeModelPrivate::Admission::Insert:
-            break;
-        }
-        d_ptr->connectItem(item);
         added.prepend(item);
         rows.indexId(item);
     }

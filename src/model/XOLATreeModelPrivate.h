@@ -55,11 +55,15 @@ public:
     //! Decides how an item is received; existing is set to the listed item of
     //! the same id when it is to be merged (it may be null).
     Admission admit(XOLATreeItem* item, ListedId listedId, XOLATreeItem** existing) const;
-    //! A single item merged into the listed one: the listed row is announced as
-    //! changed, the newcomer deleted.
-    void mergeSingle(XOLATreeItem* incoming, XOLATreeItem* existing, const QString& id);
-    //! An item merged during a bulk load: no notice for the merged row.
-    void mergeQuietly(XOLATreeItem* incoming, XOLATreeItem* existing);
+    //! Where AppendItem and PrependItem put a new row.
+    enum class Placement { Append, PrependAnnouncedAtOldEnd };
+    //! AppendItem and PrependItem once the item is known to be non-null and on
+    //! the model's thread: admitted, merged or refused, with their notices.
+    bool addSingle(XOLATreeItem* item, Placement placement);
+    //! For the bulk loaders: true when the item is to be listed (it is then
+    //! connected); a duplicate is merged quietly and deleted, an item that is
+    //! already listed is skipped.
+    bool admitForLoading(XOLATreeItem* item);
 
     // ---- items: connections, ownership, disposal ---------------------------------------
     //! Connects an item's valueChanged() so that it reaches views as dataChanged of its row.

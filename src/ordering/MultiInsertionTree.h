@@ -79,37 +79,24 @@ private:
         bool red;
     };
 
-    void rotateLeft(Node* x)
-    {
-        Node* y = x->right;
-        x->right = y->left;
-        if (y->left)
-            y->left->parent = x;
-        y->parent = x->parent;
-        if (x == m_root)
-            m_root = y;
-        else if (x == x->parent->left)
-            x->parent->left = y;
-        else
-            x->parent->right = y;
-        y->left = x;
-        x->parent = y;
-    }
+    using Side = Node* Node::*;
 
-    void rotateRight(Node* x)
+    //! Rotates x down to its `down` side: the child on its `up` side takes its
+    //! place. (A left rotation is rotate(x, &Node::left, &Node::right).)
+    void rotate(Node* x, Side down, Side up)
     {
-        Node* y = x->left;
-        x->left = y->right;
-        if (y->right)
-            y->right->parent = x;
+        Node* y = x->*up;
+        x->*up = y->*down;
+        if (y->*down)
+            (y->*down)->parent = x;
         y->parent = x->parent;
         if (x == m_root)
             m_root = y;
-        else if (x == x->parent->right)
-            x->parent->right = y;
+        else if (x == x->parent->*down)
+            x->parent->*down = y;
         else
-            x->parent->left = y;
-        y->right = x;
+            x->parent->*up = y;
+        y->*down = x;
         x->parent = y;
     }
 
@@ -118,38 +105,25 @@ private:
         x->red = true;
         while (x != m_root && x->parent->red) {
             Node* grandparent = x->parent->parent;
-            if (x->parent == grandparent->left) {
-                Node* uncle = grandparent->right;
-                if (uncle && uncle->red) {
-                    x->parent->red = false;
-                    uncle->red = false;
-                    grandparent->red = true;
-                    x = grandparent;
-                } else {
-                    if (x == x->parent->right) {
-                        x = x->parent;
-                        rotateLeft(x);
-                    }
-                    x->parent->red = false;
-                    x->parent->parent->red = true;
-                    rotateRight(x->parent->parent);
-                }
+            // The two cases mirror each other: `near` is the side of the
+            // grandparent that holds the parent, `far` the uncle's side.
+            const bool parentOnLeft = x->parent == grandparent->left;
+            const Side near = parentOnLeft ? &Node::left : &Node::right;
+            const Side far = parentOnLeft ? &Node::right : &Node::left;
+            Node* uncle = grandparent->*far;
+            if (uncle && uncle->red) {
+                x->parent->red = false;
+                uncle->red = false;
+                grandparent->red = true;
+                x = grandparent;
             } else {
-                Node* uncle = grandparent->left;
-                if (uncle && uncle->red) {
-                    x->parent->red = false;
-                    uncle->red = false;
-                    grandparent->red = true;
-                    x = grandparent;
-                } else {
-                    if (x == x->parent->left) {
-                        x = x->parent;
-                        rotateRight(x);
-                    }
-                    x->parent->red = false;
-                    x->parent->parent->red = true;
-                    rotateLeft(x->parent->parent);
+                if (x == x->parent->*far) {
+                    x = x->parent;
+                    rotate(x, near, far);
                 }
+                x->parent->red = false;
+                x->parent->parent->red = true;
+                rotate(x->parent->parent, far, near);
             }
         }
         m_root->red = false;

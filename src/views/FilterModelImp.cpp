@@ -287,66 +287,6 @@ QObject* FilterModelImp::FindChildModel(XOLATreeItem* item) const
     return qobject_cast<IXOLATreeModel*>(child->GetFilterModel(m_filterRules, m_orAllRules, POS_TAIL));
 }
 
-// The Find family answers from the view's own rows and id map, not from the source.
-
-QObject* FilterModelImp::FindItem(int row) const
-{
-    return XOLATreeModel::FindItem(row);
-}
-
-QObject* FilterModelImp::FindItem(const QString& id, bool includeChildModel) const
-{
-    return XOLATreeModel::FindItem(id, includeChildModel);
-}
-
-QString FilterModelImp::FindItemID(int row) const
-{
-    auto* item = qobject_cast<XOLATreeItem*>(FindItem(row));
-    return item ? item->id() : QString();
-}
-
-int FilterModelImp::FindItemRow(const QString& id) const
-{
-    const QList<XOLATreeItem*>& items = d_ptr->items();
-    for (int row = 0; row < items.size(); ++row) {
-        const XOLATreeItem* item = items.at(row);
-        if (item && item->id() == id)
-            return row;
-    }
-    return -1;
-}
-
-// The view answers from its own rows and id index, exactly as any model does.
-QVariant FilterModelImp::FindItemValue(int row, int role) const
-{
-    return XOLATreeModel::FindItemValue(row, role);
-}
-
-QVariant FilterModelImp::FindItemValue(int row, const QString& roleName) const
-{
-    return XOLATreeModel::FindItemValue(row, roleName);
-}
-
-QVariant FilterModelImp::FindItemValue(const QString& id, int role) const
-{
-    return XOLATreeModel::FindItemValue(id, role);
-}
-
-QVariant FilterModelImp::FindItemValue(const QString& id, const QString& roleName) const
-{
-    return XOLATreeModel::FindItemValue(id, roleName);
-}
-
-QVariant FilterModelImp::FindItemValueEx(const QString& id, int role, bool includeChildModel) const
-{
-    return XOLATreeModel::FindItemValueEx(id, role, includeChildModel);
-}
-
-QVariant FilterModelImp::FindItemValueEx(const QString& id, const QString& roleName, bool includeChildModel) const
-{
-    return XOLATreeModel::FindItemValueEx(id, roleName, includeChildModel);
-}
-
 // ---- following the source --------------------------------------------------------------
 
 void FilterModelImp::SourceModelDataChangedHandler(const QModelIndex& topLeft, const QModelIndex& bottomRight)

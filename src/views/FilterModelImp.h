@@ -25,16 +25,8 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override;
 
-    QString FindItemID(int row) const override;
-    int FindItemRow(const QString& id) const override;
-    QVariant FindItemValue(int row, int role) const override;
-    QVariant FindItemValue(int row, const QString& roleName) const override;
-    QVariant FindItemValue(const QString& id, int role) const override;
-    QVariant FindItemValue(const QString& id, const QString& roleName) const override;
-    QVariant FindItemValueEx(const QString& id, int role, bool includeChildModel) const override;
-    QVariant FindItemValueEx(const QString& id, const QString& roleName, bool includeChildModel) const override;
-    QObject* FindItem(int row) const override;
-    QObject* FindItem(const QString& id, bool includeChildModel = false) const override;
+    // The Find family is the model's own: a view answers from its own rows and
+    // id index, not from the source.
     bool UpdateFilterRules(QVariantList filterRules = QVariantList(), bool orAllRules = true) override;
     bool UpdateUserDefinedFilterRules(QVariant filterRules = QVariant()) override;
 
