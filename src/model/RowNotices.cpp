@@ -1,6 +1,7 @@
 #include "RowNotices.h"
 
 #include <QtCore/QAbstractItemModel>
+#include <QtCore/QMetaMethod>
 
 namespace {
 // The protocol functions are protected members of QAbstractItemModel. Named
@@ -21,6 +22,7 @@ public:
     static void endRemove(QAbstractItemModel& m) { (m.*&Protocol::endRemoveRows)(); }
     static void beginReset(QAbstractItemModel& m) { (m.*&Protocol::beginResetModel)(); }
     static void endReset(QAbstractItemModel& m) { (m.*&Protocol::endResetModel)(); }
+    static void resetInternal(QAbstractItemModel& m) { (m.*&Protocol::resetInternalData)(); }
     static QModelIndexList persistent(const QAbstractItemModel& m) { return (m.*&Protocol::persistentIndexList)(); }
     static void changePersistent(QAbstractItemModel& m, const QModelIndexList& from, const QModelIndexList& to)
     {
@@ -103,7 +105,12 @@ void announceRemovedAfterChange(QAbstractItemModel& model, int first, int last)
 
 void unpairedResetEnd(QAbstractItemModel& model)
 {
-    Protocol::endReset(model);
+    // What endResetModel() sends and does, except that persistent indexes stay
+    // valid: the rows were only reordered, and the indexes already follow them.
+    // (Selection models still clear themselves on modelReset.)
+    Protocol::resetInternal(model);
+    static const QMetaMethod modelReset = QMetaMethod::fromSignal(&QAbstractItemModel::modelReset);
+    modelReset.invoke(&model, Qt::DirectConnection);
 }
 
 void layoutChangedWithoutAboutToBe(QAbstractItemModel& model)

@@ -181,6 +181,15 @@ void RowStore::prependAnnouncedAtOldEnd(XOLATreeItem* item)
     indexId(item);
     rowsRearranged();
     RowNotices::endInsert(m_model);
+    // The notice moved no persistent index, but every old row moved down by
+    // one: selections and persistent indexes are put back on their items.
+    if (RowNotices::hasPersistentRows(m_model)) {
+        QVector<int> newRowOf(n + 1);
+        for (int row = 0; row < n; ++row)
+            newRowOf[row] = row + 1;
+        newRowOf[n] = 0;
+        RowNotices::movePersistentRows(m_model, newRowOf);
+    }
 }
 
 void RowStore::appendQuietly(XOLATreeItem* item)
