@@ -107,8 +107,7 @@ void FilterModelImp::Initial()
     if (QList<XOLATreeItem*>* sourceItems = source->GetModelItemList()) {
         for (XOLATreeItem* item : qAsConst(*sourceItems)) {
             if (item)
-                MetaConnect::connect(item, "childModelValueChanged()", this, "ChildModelValueChangedHandler()",
-                                     Qt::UniqueConnection);
+                followChildModel(item);
         }
     }
     ReGenFilterModel();
@@ -413,8 +412,7 @@ void FilterModelImp::SourceModelItemAddedHandler(const QModelIndex& /*parent*/, 
         auto* item = qobject_cast<XOLATreeItem*>(source->FindItem(row));
         if (!item)
             continue;
-        MetaConnect::connect(item, "childModelValueChanged()", this, "ChildModelValueChangedHandler()",
-                             Qt::UniqueConnection);
+        followChildModel(item);
         // A row announced at the old end while the item went to the front (a
         // single prepend) names an item this view may already list; listing it
         // twice would leave a row behind when the source later drops the item.
@@ -452,9 +450,37 @@ void FilterModelImp::SourceModelAllItemRemovedHandler()
     RemoveAll();
 }
 
+void FilterModelImp::followChildModel(XOLATreeItem* item)
+{
+    // Once per item while the connection lasts, as a unique connection to
+    // ChildModelValueChangedHandler() would be. A functor that knows its item:
+    // the slot would have to ask sender(), which walks every connection into
+    // the view in Qt 5, so a change under every parent would be quadratic.
+    QMetaObject::Connection& relay = m_childRelays[item];
+    if (relay)
+        return;
+    relay = QObject::connect(item, &XOLATreeItem::childModelValueChanged, this,
+                             [this, item] { childModelChangedFrom(item); });
+    // Entries of items that are gone (their connection went with them) are
+    // dropped now and then, so the table stays about as large as the source.
+    if (m_childRelays.size() > 2 * (m_sourceModel ? m_sourceModel->rowCount() : 0) + 64) {
+        for (auto it = m_childRelays.begin(); it != m_childRelays.end();) {
+            if (*it)
+                ++it;
+            else
+                it = m_childRelays.erase(it);
+        }
+    }
+}
+
 void FilterModelImp::ChildModelValueChangedHandler()
 {
-    auto* item = qobject_cast<XOLATreeItem*>(sender());
+    // Kept for hosts that connect an item's childModelValueChanged() to the view.
+    childModelChangedFrom(qobject_cast<XOLATreeItem*>(sender()));
+}
+
+void FilterModelImp::childModelChangedFrom(XOLATreeItem* item)
+{
     if (!item || !m_sourceModel)
         return;
     // Found through the row index; a miss is confirmed by a scan of the rows.

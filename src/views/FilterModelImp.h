@@ -5,6 +5,7 @@
 
 #include "FilterRules.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
@@ -51,6 +52,10 @@ public slots:
 
 private:
     void Initial();
+    //! Follows changes under the item's child model (once per item).
+    void followChildModel(XOLATreeItem* item);
+    //! What ChildModelValueChangedHandler() does for the item whose child model changed.
+    void childModelChangedFrom(XOLATreeItem* item);
     //! The view's own connection from an item's valueChanged() is made anew each
     //! time the item enters, so that every change reports its row exactly once.
     void dropValueConnection(XOLATreeItem* item);
@@ -77,6 +82,9 @@ private:
     // Child models being searched right now: a tree that leads back into itself
     // must not be walked forever.
     QSet<const QObject*> m_descentPath;
+    // The connection from each source item's childModelValueChanged(); it
+    // reads false once disconnected or once the item is gone.
+    QHash<const XOLATreeItem*, QMetaObject::Connection> m_childRelays;
     mutable QList<QVariant> m_compiledFrom;
     mutable CompiledFilterRules m_compiled;
 };
