@@ -183,6 +183,9 @@ void registerSortBenchmarks();
 void registerFilterBenchmarks();
 void registerViewBenchmarks();
 void registerMemoryBenchmarks();
+void registerFloorBenchmarks();
+//! Resident bytes that n floor rows (plain QObject rows) add, made in this process.
+qint64 floorResidentBytes(int n, qint64 (*residentBytes)());
 
 //! Child-process entry for the memory measurements; returns the exit code.
 int runMemoryProbe(const QString& probe);

@@ -121,6 +121,8 @@ int runMemoryProbe(const QString& probe)
         bytes = loadStandard(n);
     else if (parts.at(0) == QLatin1String("RowListModel"))
         bytes = loadList(n);
+    else if (parts.at(0) == QLatin1String("floor"))
+        bytes = floorResidentBytes(n, residentBytes);
     else
         return 2;
     std::printf("%lld\n", static_cast<long long>(bytes));
@@ -132,7 +134,7 @@ int runMemoryProbe(const QString& probe)
 void registerMemoryBenchmarks()
 {
     const int n = sizes().isEmpty() ? 1000 : sizes().last();
-    for (const char* kind : {"xola", "QStandardItemModel", "RowListModel"}) {
+    for (const char* kind : {"xola", "QStandardItemModel", "RowListModel", "floor"}) {
         const QString name = QString::fromLatin1(kind);
         benchmark::RegisterBenchmark((std::string("memory:") + kind).c_str(),
                                      [name](benchmark::State& state) { measure(state, name); })

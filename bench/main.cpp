@@ -80,6 +80,7 @@ int main(int argc, char** argv)
     bench::registerFilterBenchmarks();
     bench::registerViewBenchmarks();
     bench::registerMemoryBenchmarks();
+    bench::registerFloorBenchmarks();
 
     int benchmarkArgc = int(benchmarkArgs.size());
     benchmark::Initialize(&benchmarkArgc, benchmarkArgs.data());
