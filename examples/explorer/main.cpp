@@ -51,6 +51,28 @@ bool hasDisplay()
 #endif
 }
 
+// The documents import com.xolasys.ixolatreemodel: the QML module built beside
+// this program when it runs from the build tree, otherwise the installed one.
+// With neither, the import still resolves, to the type the models register
+// when the host builds them.
+void addModuleImportPath(QQmlEngine& engine)
+{
+    const QStringList candidates{
+#ifdef XOLA_EXPLORER_QML_BUILD_DIR
+        QStringLiteral(XOLA_EXPLORER_QML_BUILD_DIR),
+#endif
+#ifdef XOLA_EXPLORER_QML_INSTALL_DIR
+        QStringLiteral(XOLA_EXPLORER_QML_INSTALL_DIR),
+#endif
+    };
+    for (const QString& dir : candidates) {
+        if (QFileInfo(dir + QStringLiteral("/com/xolasys/ixolatreemodel/qmldir")).isFile()) {
+            engine.addImportPath(dir);
+            return;
+        }
+    }
+}
+
 QStringList arguments(int argc, char** argv)
 {
     QStringList list;
@@ -121,11 +143,12 @@ int main(int argc, char** argv)
         {QStringLiteral("minSize"), parser.value(minSize).toLongLong()},
     };
 
-    // The models register the QML type when they are built, before any QML loads.
+    // The host builds its models before any QML loads; the QML module accepts that.
     auto host = std::make_unique<ExplorerHost>(root, settings);
     int exitCode = 0;
     {
         QQmlApplicationEngine engine;
+        addModuleImportPath(engine);
         engine.rootContext()->setContextProperty(QStringLiteral("explorer"), host.get());
         engine.load(QUrl(QStringLiteral("qrc:/qml/main.qml")));
         auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());

@@ -1,7 +1,9 @@
 # Script mode: installs the Qt 5 and the Qt 6 build into one prefix, checks
 # that no file of one was overwritten by a different file of the other, then
-# builds and runs a host against each package from that shared prefix.
+# builds and runs a host against each package from that shared prefix, and
+# imports each build's QML module from there.
 #   -DXOLA_QT5_BUILD_DIR=... -DXOLA_QT6_BUILD_DIR=... -DXOLA_CONSUMER_SOURCE=... -DXOLA_WORK_DIR=...
+#   [-DXOLA_QT5_QMLTESTRUNNER=... -DXOLA_QT6_QMLTESTRUNNER=... -DXOLA_QML_DOCUMENT=... -DXOLA_QML_RUNNER_SCRIPT=...]
 cmake_minimum_required(VERSION 3.16)
 set(prefix "${XOLA_WORK_DIR}/prefix")
 file(REMOVE_RECURSE "${XOLA_WORK_DIR}")
@@ -51,6 +53,27 @@ foreach(major 5 6)
   run(${CMAKE_COMMAND} --build "${build}")
   run("${build}/consumer")
 endforeach()
+# Each build's QML module under the QML import path of its own Qt major, and a
+# document that imports it from there, run by that major's qmltestrunner.
+foreach(major 5 6)
+  set(import_dir "${prefix}/lib/qt${major}/qml")
+  foreach(f qmldir plugins.qmltypes libxolatreemodelplugin.so)
+    if(NOT EXISTS "${import_dir}/com/xolasys/ixolatreemodel/${f}")
+      message(FATAL_ERROR "Not installed: ${import_dir}/com/xolasys/ixolatreemodel/${f}")
+    endif()
+  endforeach()
+  if(XOLA_QT${major}_QMLTESTRUNNER AND XOLA_QML_DOCUMENT)
+    if(major EQUAL 5)
+      set(import_variable QML2_IMPORT_PATH)
+    else()
+      set(import_variable QML_IMPORT_PATH)
+    endif()
+    run(${CMAKE_COMMAND} -E env "${import_variable}=${import_dir}" QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
+        ${CMAKE_COMMAND} "-DRUNNER=${XOLA_QT${major}_QMLTESTRUNNER}" "-DINPUT=${XOLA_QML_DOCUMENT}"
+        "-DWORK_DIR=${XOLA_WORK_DIR}/qml-qt${major}" -P "${XOLA_QML_RUNNER_SCRIPT}")
+  endif()
+endforeach()
+
 # And each pkg-config file names its own Qt.
 find_program(PKG_CONFIG_EXECUTABLE pkg-config)
 if(PKG_CONFIG_EXECUTABLE)
