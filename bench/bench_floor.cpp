@@ -130,8 +130,8 @@ void childChangeXola(benchmark::State& state, int n, double& total, int& iterati
         total += t;
         ++iterations;
         delete view;
+        // Removing the parents disposes of their child models too.
         destroyModel(root);
-        qDeleteAll(children);
         flushDeferredDeletes();
     }
 }

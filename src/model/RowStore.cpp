@@ -39,16 +39,19 @@ int RowStore::rowOf(const QObject* object, bool confirmMiss) const
 int RowStore::listedRow(const XOLATreeItem* item) const
 {
     const int row = rowOf(item, false);
-    if (row >= 0 || !item)
+    if (row >= 0 || !item || !m_handedToHost)
         return row;
-    // A miss is confirmed by a scan, cheaper than rebuilding the index for an
-    // item that is usually not there.
+    // The index follows every change made here, so its miss is the answer.
+    // Rows handed to a host may have been changed behind its back since: a
+    // miss is then confirmed by a scan, cheaper than rebuilding the index for
+    // an item that is usually not there.
     return m_items.indexOf(const_cast<XOLATreeItem*>(item));
 }
 
 QList<XOLATreeItem*>* RowStore::handToHost()
 {
-    // The caller may rearrange the rows through this pointer.
+    // The caller may rearrange the rows through this pointer, now or later.
+    m_handedToHost = true;
     rowsRearranged();
     return &m_items;
 }

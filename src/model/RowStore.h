@@ -100,6 +100,8 @@ private:
     QHash<QString, XOLATreeItem*> m_itemMap;
     // Rebuilt on demand after any change it does not follow.
     mutable RowIndex m_rowIndex;
+    // Set once the rows were handed to a host, who may change them unseen.
+    bool m_handedToHost = false;
 };
 
 #endif // ROWSTORE_H
