@@ -48,6 +48,13 @@ foreach(line IN LISTS out)
   endif()
   set(kind "${CMAKE_MATCH_1}")
   set(name "${CMAKE_MATCH_2}")
+  # With a named version node in a linker version script, nm lists the node
+  # itself as an absolute symbol and appends it to every name (@@NODE): neither
+  # is part of what the symbol is.
+  if(kind STREQUAL "A")
+    continue()
+  endif()
+  string(REGEX REPLACE "@@?[A-Za-z0-9_.]+$" "" name "${name}")
   math(EXPR total "${total} + 1")
   set(allowed FALSE)
   foreach(pattern IN LISTS patterns)
