@@ -236,8 +236,8 @@ public:
      *
      * Without a function the comparison follows the type of the values:
      * numbers as numbers, strings by their UTF-16 code units (so "B" comes
-     * before "a"), dates and times in time order; values of different types are
-     * compared in the first one's type. Rows without a value for the role go
+     * before "a"), dates and times in time order; of two values of different
+     * types, one is converted to the other's type. Rows without a value for the role go
      * last in their previous order. Equal rows come out in reverse order when
      * ascending and keep their order when descending; see \ref behaviour_notes.
      *
