@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the examples need, for
-# both Qt majors (Qt 5.15 and Qt 6.4), and the ABI tools (abidw, abidiff).
+# Installs the Debian packages the build, the tests, the examples, the ABI
+# tools (abidw, abidiff) and the API reference (Doxygen, Graphviz) need, for
+# both Qt majors (Qt 5.15 and Qt 6.4).
 set -euo pipefail
-packages=(cmake g++ make pkg-config binutils abigail-tools
+packages=(cmake g++ make pkg-config binutils abigail-tools doxygen graphviz
           qtbase5-dev qtdeclarative5-dev qtdeclarative5-dev-tools
           qml-module-qttest qml-module-qtquick2 qml-module-qtquick-window2
           qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-templates2
