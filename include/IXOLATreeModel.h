@@ -327,8 +327,9 @@ public:
      *
      * Announced as dataChanged() over all rows, then layoutChanged() without
      * layoutAboutToBeChanged(), then modelReset() without modelAboutToBeReset()
-     * (existing hosts refresh their delegates on it). Qt answers that reset by
-     * invalidating every persistent index and clearing selections.
+     * (existing hosts refresh their delegates on it). Persistent indexes stay
+     * valid and follow their items; a QItemSelectionModel clears itself on
+     * that modelReset().
      * Keep-sorting is left as it was.
      * \param role the role whose values are compared
      * \param ascending true for ascending order

@@ -47,8 +47,9 @@ class XOLATreeModelPrivate;
  * // ... when the QML that shows it is gone
  * DeleteXOLATreeModel(&model);
  * \endcode
- * The first model made also registers the QML type "IXOLATreeModel" in the
- * module com.xolasys.ixolatreemodel 1.0, so make one before loading QML that
+ * QML documents import the type "IXOLATreeModel" from the installed module
+ * com.xolasys.ixolatreemodel 1.0. Without the module on the import path, the
+ * first model made registers the type, so make one before loading QML that
  * imports the module.
  *
  * \par Option bits
