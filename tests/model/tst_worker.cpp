@@ -1,6 +1,7 @@
 // Mutations called from other threads: they are carried to the model's thread
 // by the worker, the caller waits, and every notice comes on the model's thread.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -31,7 +32,7 @@ ModelPtr modelWith(const QStringList& rowIds, int flags = 0)
 {
     ModelPtr model(createModel(flags));
     if (model && !rowIds.isEmpty())
-        model->AppendItemsList(items(rowIds));
+        appendEach(model.get(), items(rowIds));
     return model;
 }
 
@@ -137,7 +138,13 @@ class TestWorker : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     // ---- the worker itself -------------------------------------------------------------
 
@@ -408,6 +415,7 @@ private slots:
     void appendItemsList_fromThread()
     {
         ModelPtr model = modelWith({"a"}, MergeDuplicates);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         QPointer<XOLATreeItem> duplicate;
@@ -454,6 +462,7 @@ private slots:
     {
         ModelPtr model = modelWith({"a", "b", "c"});
         const auto old = guards(model.get());
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         bool result = false;
@@ -475,6 +484,7 @@ private slots:
     {
         ModelPtr model = modelWith({"a", "b", "c"});
         const auto old = guards(model.get());
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         bool result = false;
@@ -560,6 +570,7 @@ private slots:
     {
         // Calls made on the model's thread run at once, with no event loop.
         ModelPtr model = modelWith({"a"});
+        ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         SignalLog log(model.get());
         QVERIFY(model->AppendItem(item("b")));
         QVERIFY(model->PrependItem(item("c")));
@@ -635,6 +646,7 @@ private slots:
     {
         // Given
         ModelPtr model = modelWith({}, MergeDuplicates);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<std::function<void()>> bodies;
         std::array<bool, 3> ok{{true, true, true}};
