@@ -658,7 +658,7 @@ private slots:
         };
         ModelPtr source(createModel(0, extendedRoleNames(), nullptr, match));
         appendEach(source.get(), {member("i0", "b", "on"), member("i1", "a", "off"), member("i2", "b", "on"),
-                                 member("i3", "c", "on")});
+                                  member("i3", "c", "on")});
         std::unique_ptr<XOLATreeModel> filter(ModelTesters::watch(
             qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("on")))));
         QVERIFY(filter);
@@ -684,13 +684,12 @@ private slots:
 
     void largeSourceGroupsAsTheSimpleDefinitionSays()
     {
-        // Given many items over a few hundred keys
+        // Given many items over a few hundred keys, loaded in one list as hosts
+        // load a large source (the list load announces its rows once they are in)
         const int count = 20000;
         QVariantList keys;
         for (int i = 0; i < count; ++i)
             keys << QStringLiteral("k%1").arg((i * 7919) % 300);
-        // loaded in one list, as hosts load a large source (its rows are
-        // announced once they are in)
         ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr source(createModel(0, extendedRoleNames()));
         source->AppendItemsList(members(keys));

@@ -71,6 +71,9 @@ class TestPartialModel : public QObject
     Q_OBJECT
 
 private slots:
+    // A window left past row 0 when its source goes counts below zero while the
+    // source empties on its way out: the cases that leave it there declare
+    // WindowNegativeCount for that alone.
     void init() { ModelTesters::startCase(); }
     void cleanup()
     {
