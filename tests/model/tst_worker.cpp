@@ -174,7 +174,7 @@ private slots:
 
     void workerLivesOnTheModelsThreadWithoutParent()
     {
-        std::unique_ptr<WorkerAccess> model(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr));
+        std::unique_ptr<WorkerAccess> model(ModelTesters::watch(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr)));
         QVERIFY(model->worker());
         QCOMPARE(model->worker()->thread(), QThread::currentThread());
         QCOMPARE(model->worker()->parent(), nullptr);
@@ -182,8 +182,10 @@ private slots:
 
     void workerSlotsCallTheModel()
     {
+        // The list slots reach the list loaders.
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
-        std::unique_ptr<WorkerAccess> model(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr));
+        std::unique_ptr<WorkerAccess> model(ModelTesters::watch(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr)));
         XOLATreeModelWorker* worker = model->worker();
         SignalLog log(model.get());
         XOLATreeItem* a = item("a");
