@@ -99,8 +99,9 @@ public:
     static void startCase();
     //! Closes the case: detaches every tester and answers what the testers
     //! found that the case did not declare, and what it declared that they did
-    //! not find; empty when the two agree. Call from cleanup(), after deferred
-    //! deletions ran.
+    //! not find; empty when the two agree. A case that failed already gets the
+    //! findings printed beside its failure instead. Call from cleanup(), after
+    //! deferred deletions ran.
     static QString finishCase();
 
     //! Attaches a tester to the model (a QAbstractItemModel, else ignored) for
