@@ -67,6 +67,19 @@ void ValueItem::setExtra(int role, const QVariant& value)
 
 namespace TestSupport {
 
+namespace {
+std::function<void(QObject*)>& madeModelHook()
+{
+    static std::function<void(QObject*)> hook;
+    return hook;
+}
+} // namespace
+
+void setMadeModelHook(std::function<void(QObject*)> hook)
+{
+    madeModelHook() = std::move(hook);
+}
+
 QHash<int, QByteArray> extendedRoleNames()
 {
     return {{XOLATreeItem::IdRole, "idRole"},
@@ -82,7 +95,15 @@ XOLATreeModel* createModel(int flags, const QHash<int, QByteArray>& roleNames, P
     IXOLATreeModel* model = nullptr;
     if (!CreateXOLATreeModel(&model, nullptr, roleNames, flags, copy, match))
         return nullptr;
+    if (madeModelHook())
+        madeModelHook()(model);
     return static_cast<XOLATreeModel*>(model);
+}
+
+void appendEach(XOLATreeModel* model, const QList<XOLATreeItem*>& list)
+{
+    for (XOLATreeItem* item : list)
+        model->AppendItem(item);
 }
 
 XOLATreeItem* item(const QString& id, QObject* childModel)

@@ -8,6 +8,8 @@
 #include <QtCore/QHash>
 #include <QtCore/QStringList>
 
+#include <functional>
+
 /*!
  * An item with extra roles, written the way hosts write theirs: both getData
  * forms are overridden. Roles: 261 "valueRole", 262 "groupRole", 263 "textRole".
@@ -40,9 +42,20 @@ namespace TestSupport {
 //! The default names plus the three extra roles of ValueItem.
 QHash<int, QByteArray> extendedRoleNames();
 
-//! A model made through the entry point (nullptr on failure).
+//! A model made through the entry point (nullptr on failure); it is handed to
+//! the made-model hook when one is set.
 XOLATreeModel* createModel(int flags = 0, const QHash<int, QByteArray>& roleNames = {},
                            PF_COPY_ITEM copy = nullptr, PF_MATCH_ITEM match = nullptr);
+
+//! Sets the function createModel() hands each new model to, or none (an empty
+//! function). ModelTesters sets it for the length of a test case, so that every
+//! model the case makes gets a tester.
+void setMadeModelHook(std::function<void(QObject*)> hook);
+
+//! Appends the items one at a time, each with its own insertion notices: how a
+//! case fills a model when the loading is not what it tests (the list loaders
+//! announce their rows after the change, see ModelTesters::ListLoadAfterChange).
+void appendEach(XOLATreeModel* model, const QList<XOLATreeItem*>& list);
 
 //! Plain items named after their ids ("a" gets name "name-a").
 XOLATreeItem* item(const QString& id, QObject* childModel = nullptr);

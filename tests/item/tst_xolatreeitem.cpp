@@ -1,3 +1,4 @@
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -10,6 +11,14 @@ class TestXOLATreeItem : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        TestSupport::flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
+
     void construction_storesFieldsAndMirrorsThem()
     {
         // Given a child model

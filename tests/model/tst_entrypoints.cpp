@@ -1,3 +1,4 @@
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -13,6 +14,14 @@ class TestEntryPoints : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        TestSupport::flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
+
     void create_nullOutPointerFails()
     {
         QVERIFY(!CreateXOLATreeModel(nullptr, nullptr, {}, 0, nullptr, nullptr));
@@ -22,6 +31,7 @@ private slots:
     {
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, nullptr, {}, 0, nullptr, nullptr));
+        ModelTesters::watch(model);
         QVERIFY(model);
         const QHash<int, QByteArray> expected{{257, "idRole"}, {258, "nameRole"}, {259, "childModelRole"}};
         QCOMPARE(model->roleNames(), expected);
@@ -34,6 +44,7 @@ private slots:
         QObject parent;
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, &parent, {}, 0, nullptr, nullptr));
+        ModelTesters::watch(model);
         QCOMPARE(model->parent(), &parent);
         QPointer<QObject> guard(model);
         // Deleted with its parent.
@@ -43,6 +54,7 @@ private slots:
     {
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, nullptr, {}, 0, nullptr, nullptr));
+        ModelTesters::watch(model);
         QPointer<QObject> guard(model);
         QVERIFY(DeleteXOLATreeModel(&model));
         QCOMPARE(model, static_cast<IXOLATreeModel*>(nullptr));
@@ -55,8 +67,9 @@ private slots:
     {
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, nullptr, {}, 0, nullptr, nullptr));
+        ModelTesters::watch(model);
         auto* m = static_cast<XOLATreeModel*>(model);
-        m->AppendItemsList(items({"a", "b"}));
+        appendEach(m, items({"a", "b"}));
         QPointer<XOLATreeItem> a(m->GetModelItemList()->at(0));
         QStringList seen;
         connect(m, &IXOLATreeModel::allItemRemoved, this, [&seen]() { seen << "allItemRemoved"; });
@@ -72,6 +85,7 @@ private slots:
     {
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, nullptr, {}, 2, nullptr, nullptr));
+        ModelTesters::watch(model);
         XOLATreeItem* a = item("a");
         static_cast<XOLATreeModel*>(model)->AppendItem(a);
         QPointer<XOLATreeItem> guard(a);
@@ -98,6 +112,7 @@ private slots:
         QFETCH(int, ownership);
         IXOLATreeModel* model = nullptr;
         QVERIFY(CreateXOLATreeModel(&model, nullptr, {}, flags, nullptr, nullptr));
+        ModelTesters::watch(model);
         QCOMPARE(int(QQmlEngine::objectOwnership(model)), ownership);
         QCOMPARE(static_cast<XOLATreeModel*>(model)->flags(), flags);
         DeleteXOLATreeModel(&model);
@@ -106,11 +121,11 @@ private slots:
     void viewOwnership()
     {
         XOLATreeModel* m = createModel();
-        m->AppendItemsList(items({"a", "b"}));
-        QObject* filter = m->GetFilterModel();
-        QObject* user = m->GetFilterModelByUserDefinedRules();
-        QObject* paging = m->GetPagingModel(1);
-        QObject* group = m->GetGroupModel(257);
+        appendEach(m, items({"a", "b"}));
+        QObject* filter = ModelTesters::watch(m->GetFilterModel());
+        QObject* user = ModelTesters::watch(m->GetFilterModelByUserDefinedRules());
+        QObject* paging = ModelTesters::watch(m->GetPagingModel(1));
+        QObject* group = ModelTesters::watch(m->GetGroupModel(257));
         for (QObject* view : {filter, user, paging, group}) {
             QVERIFY(view);
             QCOMPARE(view->parent(), static_cast<QObject*>(nullptr));
@@ -119,14 +134,15 @@ private slots:
         QCOMPARE(static_cast<XOLATreeModel*>(filter)->flags(), 3);
         QCOMPARE(static_cast<XOLATreeModel*>(paging)->flags(), 3);
         QCOMPARE(static_cast<XOLATreeModel*>(group)->flags(), 1);
-        QObject* second = m->GetFilterModel();
+        QObject* second = ModelTesters::watch(m->GetFilterModel());
         QVERIFY(second != filter); // a new view per call
         delete second;
         delete filter;
         delete user;
         delete paging;
         delete group;
-        QCOMPARE(QQmlEngine::objectOwnership(m->GetPartialModel(1)), QQmlEngine::CppOwnership);
+        QObject* partial = ModelTesters::watch(m->GetPartialModel(1));
+        QCOMPARE(QQmlEngine::objectOwnership(partial), QQmlEngine::CppOwnership);
         delete m;
     }
 
@@ -146,7 +162,7 @@ private slots:
                           "IXOLATreeModel { property int filterEnum: IXOLATreeModel.InsensitiveSubStr;"
                           " property int sortEnum: IXOLATreeModel.KeepSorting; property int posEnum: IXOLATreeModel.POS_HEAD }",
                           QUrl());
-        QScopedPointer<QObject> object(component.create());
+        QScopedPointer<QObject> object(ModelTesters::watch(component.create()));
         QVERIFY2(object, qPrintable(component.errorString()));
         QVERIFY(qobject_cast<XOLATreeModel*>(object.data()));
         QCOMPARE(object->property("filterEnum").toInt(), 7);

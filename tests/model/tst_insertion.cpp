@@ -1,6 +1,7 @@
 // Single-item insertion: InsertItem, AppendItem, PrependItem, duplicate merging
 // and the keep-sorting pass that follows every insertion.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -24,7 +25,7 @@ ModelPtr modelWith(const QStringList& rowIds, int flags = 0, const QHash<int, QB
 {
     ModelPtr model(createModel(flags, roleNames, std::move(copy)));
     if (model && !rowIds.isEmpty())
-        model->AppendItemsList(items(rowIds));
+        appendEach(model.get(), items(rowIds));
     return model;
 }
 
@@ -58,7 +59,13 @@ class TestInsertion : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     // ---- new rows ------------------------------------------------------------
 
@@ -196,6 +203,9 @@ private slots:
     void prependItem_announcesTheOldEnd()
     {
         QFETCH(QStringList, before);
+        // Into an empty model the old end is row 0, where the item goes.
+        if (!before.isEmpty())
+            ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         // Given
         ModelPtr model = modelWith(before);
         SignalLog log(model.get());
@@ -217,6 +227,7 @@ private slots:
     {
         // Views that read the announced row during rowsInserted see the data
         // already grown at the front.
+        ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         ModelPtr model = modelWith({"a", "b"});
         QStringList seen;
         QObject context; // ends the connection before seen goes
@@ -357,6 +368,8 @@ private slots:
     void sameIdWithoutMergeOption()
     {
         QFETCH(bool, prepend);
+        if (prepend)
+            ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         // Given
         ModelPtr model = modelWith({"a", "b"});
         QObject* first = model->FindItem("a");
@@ -524,28 +537,30 @@ private slots:
         QTest::addColumn<QString>("id");
         QTest::addColumn<QStringList>("expected");
         QTest::addColumn<QStringList>("after");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // Rows a, c, e kept sorted by name.
         QTest::newRow("append")
             << "AppendItem" << "b"
             << QStringList({aboutToInsert(3, 3), rowsInserted(3, 3), dataChanged(0, 3), "rowCountChanged()"})
-            << QStringList({"a", "b", "c", "e"});
+            << QStringList({"a", "b", "c", "e"}) << ModelTesters::Departures();
         QTest::newRow("prepend")
             << "PrependItem" << "f"
             << QStringList({aboutToInsert(3, 3), rowsInserted(3, 3), dataChanged(0, 3), "rowCountChanged()"})
-            << QStringList({"a", "c", "e", "f"});
+            << QStringList({"a", "c", "e", "f"}) << ModelTesters::Departures{ModelTesters::PrependAtOldEnd};
         QTest::newRow("insert at 0")
             << "InsertItem" << "d"
             << QStringList({aboutToInsert(0, 0), rowsInserted(0, 0), dataChanged(0, 3), "rowCountChanged()"})
-            << QStringList({"a", "c", "d", "e"});
+            << QStringList({"a", "c", "d", "e"}) << ModelTesters::Departures();
         QTest::newRow("append duplicate")
             << "AppendItem" << "c"
             << QStringList({dataChanged(1, 1), dataChanged(1, 1), dataChanged(0, 2), "rowCountChanged()"})
-            << QStringList({"a", "c", "e"});
+            << QStringList({"a", "c", "e"}) << ModelTesters::Departures();
         QTest::newRow("prepend duplicate")
             << "PrependItem" << "c"
             << QStringList({dataChanged(1, 1), dataChanged(1, 1), dataChanged(0, 2)})
-            << QStringList({"a", "c", "e"});
-        QTest::newRow("insert duplicate") << "InsertItem" << "c" << QStringList() << QStringList({"a", "c", "e"});
+            << QStringList({"a", "c", "e"}) << ModelTesters::Departures();
+        QTest::newRow("insert duplicate") << "InsertItem" << "c" << QStringList() << QStringList({"a", "c", "e"})
+            << ModelTesters::Departures();
     }
 
     void keepSorting_resortsBeforeTheCount()
@@ -554,6 +569,8 @@ private slots:
         QFETCH(QString, id);
         QFETCH(QStringList, expected);
         QFETCH(QStringList, after);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         // Given a model kept sorted by name
         ModelPtr model = modelWith({"e", "a", "c"}, MergeDuplicates);
         if (!keepSortedByName(model.get()))

@@ -1,6 +1,7 @@
 // Bulk loading: AppendItemsList, PrependItemsList, ReplaceItemsList,
 // ReplaceItemsListEx and ClearAllSourceContainer.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -37,7 +38,7 @@ ModelPtr modelWith(const QStringList& rowIds, int flags = 0, PF_COPY_ITEM copy =
 {
     ModelPtr model(createModel(flags, {}, std::move(copy)));
     if (model && !rowIds.isEmpty())
-        model->AppendItemsList(items(rowIds));
+        appendEach(model.get(), items(rowIds));
     return model;
 }
 
@@ -119,7 +120,13 @@ class TestListOperations : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     // ---- AppendItemsList -------------------------------------------------------
 
@@ -141,6 +148,7 @@ private slots:
         QFETCH(QStringList, before);
         QFETCH(QStringList, added);
         QFETCH(QStringList, expected);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith(before);
         const QList<QObject*> old = objects(model.get());
@@ -185,6 +193,7 @@ private slots:
 
     void appendItemsList_skipsNulls()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"a", "b", "c"});
         SignalLog log(model.get());
         XOLATreeItem* d = item("d");
@@ -198,6 +207,7 @@ private slots:
 
     void appendItemsList_equalIdsMergeIntoTheFirst()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith({"x", "y", "z"}, MergeDuplicates);
         SignalLog log(model.get());
@@ -251,6 +261,7 @@ private slots:
 
     void appendItemsList_mixedNewAndDuplicates()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         QList<QPair<QString, QString>> merges;
         PF_COPY_ITEM copy = [&](const QObject* source, QObject* destination) {
@@ -275,6 +286,7 @@ private slots:
 
     void appendItemsList_sameIdsWithoutMergeOption()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"a"});
         QObject* first = model->FindItem("a");
         SignalLog log(model.get());
@@ -289,6 +301,7 @@ private slots:
 
     void appendItemsList_listedObjectIsNotMergedAway()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"a", "b"}, MergeDuplicates);
         auto* a = static_cast<XOLATreeItem*>(model->FindItem("a"));
         QPointer<XOLATreeItem> guard(a);
@@ -319,6 +332,7 @@ private slots:
         QFETCH(QStringList, before);
         QFETCH(QStringList, added);
         QFETCH(QStringList, expected);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith(before);
         const QList<QObject*> old = objects(model.get());
@@ -350,6 +364,7 @@ private slots:
 
     void prependItemsList_skipsNulls()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"x"});
         SignalLog log(model.get());
         XOLATreeItem* a = item("a");
@@ -361,6 +376,7 @@ private slots:
 
     void prependItemsList_equalIdsMergeIntoTheLast()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith({"x"}, MergeDuplicates);
         SignalLog log(model.get());
@@ -394,6 +410,7 @@ private slots:
     void prependItemsList_mergeIntoAnOldRowKeepsItsRow()
     {
         // Later item changes of the merged row name the row views know.
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"x", "y"}, MergeDuplicates);
         SignalLog log(model.get());
         QPointer<XOLATreeItem> y2(new XOLATreeItem("y", "Y2"));
@@ -431,6 +448,9 @@ private slots:
         QFETCH(QStringList, before);
         QFETCH(QStringList, replacement);
         QFETCH(QStringList, expected);
+        // The rows of the replacement are announced once they are in.
+        if (!replacement.isEmpty())
+            ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith(before, flags);
         const auto oldItems = guards(model.get());
@@ -479,6 +499,9 @@ private slots:
         QFETCH(QStringList, before);
         QFETCH(QStringList, replacement);
         QFETCH(QStringList, expected);
+        // The rows added or dropped are announced once they are in or out.
+        if (before.size() != replacement.size())
+            ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith(before);
         const auto oldItems = guards(model.get());
@@ -507,6 +530,7 @@ private slots:
 
     void replaceItemsListEx_keepingRemovedItems()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"a", "b", "c"}, KeepRemoved);
         const auto oldItems = guards(model.get());
         SignalLog log(model.get());
@@ -523,6 +547,7 @@ private slots:
 
     void replaceItemsListEx_dropsNulls()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"a", "b", "c"});
         SignalLog log(model.get());
         XOLATreeItem* x = item("x");
@@ -535,6 +560,7 @@ private slots:
 
     void replaceItemsListEx_equalIdsAreAllListed()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({}, MergeDuplicates);
         SignalLog log(model.get());
         XOLATreeItem* a1 = item("a");
@@ -547,6 +573,7 @@ private slots:
 
     void replaceItemsListEx_itemsStayingListedSurvive()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
         ModelPtr model = modelWith({"a", "b", "c"});
         auto* b = static_cast<XOLATreeItem*>(model->FindItem("b"));
@@ -589,6 +616,7 @@ private slots:
 
     void replaceItemsListEx_runsNoKeepSorting()
     {
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         ModelPtr model = modelWith({"b", "a"});
         if (!keepSortedByName(model.get()))
             QSKIP("this build does not sort yet");
@@ -650,28 +678,32 @@ private slots:
         QTest::addColumn<QStringList>("added");
         QTest::addColumn<QStringList>("expected");
         QTest::addColumn<QStringList>("after");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // Rows b, d kept sorted by name.
         QTest::newRow("append")
             << "AppendItemsList" << QStringList({"e", "a"})
-            << (inserted(2, 3) << dataChanged(0, 3) << "rowCountChanged()") << QStringList({"a", "b", "d", "e"});
+            << (inserted(2, 3) << dataChanged(0, 3) << "rowCountChanged()") << QStringList({"a", "b", "d", "e"})
+            << ModelTesters::Departures{ModelTesters::ListLoadAfterChange};
         QTest::newRow("prepend")
             << "PrependItemsList" << QStringList({"e", "c"})
-            << (inserted(0, 1) << dataChanged(0, 3) << "rowCountChanged()") << QStringList({"b", "c", "d", "e"});
+            << (inserted(0, 1) << dataChanged(0, 3) << "rowCountChanged()") << QStringList({"b", "c", "d", "e"})
+            << ModelTesters::Departures{ModelTesters::ListLoadAfterChange};
         QTest::newRow("append, all merged")
             << "AppendItemsList" << QStringList({"d"}) << QStringList({dataChanged(0, 1)})
-            << QStringList({"b", "d"});
+            << QStringList({"b", "d"}) << ModelTesters::Departures();
         QTest::newRow("prepend, all merged")
             << "PrependItemsList" << QStringList({"b"}) << QStringList({dataChanged(0, 1)})
-            << QStringList({"b", "d"});
+            << QStringList({"b", "d"}) << ModelTesters::Departures();
         QTest::newRow("append, empty list") << "AppendItemsList" << QStringList() << QStringList()
-                                            << QStringList({"b", "d"});
+                                            << QStringList({"b", "d"}) << ModelTesters::Departures();
         QTest::newRow("prepend, empty list") << "PrependItemsList" << QStringList()
-                                             << QStringList({dataChanged(0, 1)}) << QStringList({"b", "d"});
+                                             << QStringList({dataChanged(0, 1)}) << QStringList({"b", "d"})
+            << ModelTesters::Departures();
         QTest::newRow("replace")
             << "ReplaceItemsList" << QStringList({"z", "y"})
             << (removed(0, 1) << "allItemRemoved()" << "rowCountChanged()" << inserted(0, 1) << dataChanged(0, 1)
                               << "rowCountChanged()")
-            << QStringList({"y", "z"});
+            << QStringList({"y", "z"}) << ModelTesters::Departures{ModelTesters::ListLoadAfterChange};
     }
 
     void keepSorting_listLoaders()
@@ -680,6 +712,8 @@ private slots:
         QFETCH(QStringList, added);
         QFETCH(QStringList, expected);
         QFETCH(QStringList, after);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         // Given
         ModelPtr model = modelWith({"d", "b"}, MergeDuplicates);
         if (!keepSortedByName(model.get()))

@@ -1,5 +1,6 @@
 // A host puts a model it filled from C++ into a QML context; documents read it.
 
+#include "ModelTesters.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
 
@@ -15,6 +16,14 @@ class TestQmlHost : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        TestSupport::flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
+
     void documentReadsTheHostsModel()
     {
         // Given a model filled by the host

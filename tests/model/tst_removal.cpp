@@ -1,6 +1,7 @@
 // Removal, moves and change notification: RemoveAll, RemoveOne (by id and by
 // item), Remove (ids and rows), MoveRow and EmitValueChange.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -42,7 +43,7 @@ ModelPtr modelWith(const QStringList& rowIds, int flags = 0)
 {
     ModelPtr model(createModel(flags));
     if (model && !rowIds.isEmpty())
-        model->AppendItemsList(items(rowIds));
+        appendEach(model.get(), items(rowIds));
     return model;
 }
 
@@ -97,10 +98,10 @@ struct TreeFixture {
         : model(modelWith({}, flags))
     {
         child = createModel();
-        child->AppendItemsList(items({"g1", "g2"}));
+        appendEach(child, items({"g1", "g2"}));
         childGuard = child;
         childRows = guards(child);
-        model->AppendItemsList({item("a"), item("b"), item("c", child), item("d"), item("e")});
+        appendEach(model.get(), {item("a"), item("b"), item("c", child), item("d"), item("e")});
     }
     ~TreeFixture()
     {
@@ -123,7 +124,13 @@ class TestRemoval : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     // ---- RemoveAll ------------------------------------------------------------------
 
@@ -194,7 +201,7 @@ private slots:
     void destroyingTheModelRemovesEveryRowFirst()
     {
         XOLATreeModel* model = createModel();
-        model->AppendItemsList(items({"a", "b"}));
+        appendEach(model, items({"a", "b"}));
         const auto rows = guards(model);
         SignalLog log(model);
         delete model;
@@ -647,6 +654,7 @@ private slots:
         QCOMPARE(log.take(), QStringList({dataChanged(2, 2)}));
 
         QVERIFY(model->InsertItem(0, item("x")));
+        ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         QVERIFY(model->PrependItem(item("y")));
         log.clear();
         d->SetName("3");

@@ -1,6 +1,7 @@
 // Mutations called from other threads: they are carried to the model's thread
 // by the worker, the caller waits, and every notice comes on the model's thread.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -32,7 +33,7 @@ ModelPtr modelWith(const QStringList& rowIds, int flags = 0)
 {
     ModelPtr model(createModel(flags));
     if (model && !rowIds.isEmpty())
-        model->AppendItemsList(items(rowIds));
+        appendEach(model.get(), items(rowIds));
     return model;
 }
 
@@ -138,7 +139,13 @@ class TestWorker : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     // ---- the worker itself -------------------------------------------------------------
 
@@ -168,7 +175,7 @@ private slots:
 
     void workerLivesOnTheModelsThreadWithoutParent()
     {
-        std::unique_ptr<WorkerAccess> model(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr));
+        std::unique_ptr<WorkerAccess> model(ModelTesters::watch(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr)));
         QVERIFY(model->worker());
         QCOMPARE(model->worker()->thread(), QThread::currentThread());
         QCOMPARE(model->worker()->parent(), nullptr);
@@ -176,8 +183,10 @@ private slots:
 
     void workerSlotsCallTheModel()
     {
+        // The list slots reach the list loaders.
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         // Given
-        std::unique_ptr<WorkerAccess> model(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr));
+        std::unique_ptr<WorkerAccess> model(ModelTesters::watch(new WorkerAccess(nullptr, {}, 0, nullptr, nullptr)));
         XOLATreeModelWorker* worker = model->worker();
         SignalLog log(model.get());
         XOLATreeItem* a = item("a");
@@ -409,6 +418,7 @@ private slots:
     void appendItemsList_fromThread()
     {
         ModelPtr model = modelWith({"a"}, MergeDuplicates);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         QPointer<XOLATreeItem> duplicate;
@@ -455,6 +465,7 @@ private slots:
     {
         ModelPtr model = modelWith({"a", "b", "c"});
         const auto old = guards(model.get());
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         bool result = false;
@@ -476,6 +487,7 @@ private slots:
     {
         ModelPtr model = modelWith({"a", "b", "c"});
         const auto old = guards(model.get());
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<XOLATreeItem*> made;
         bool result = false;
@@ -561,6 +573,7 @@ private slots:
     {
         // Calls made on the model's thread run at once, with no event loop.
         ModelPtr model = modelWith({"a"});
+        ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         SignalLog log(model.get());
         QVERIFY(model->AppendItem(item("b")));
         QVERIFY(model->PrependItem(item("c")));
@@ -636,6 +649,7 @@ private slots:
     {
         // Given
         ModelPtr model = modelWith({}, MergeDuplicates);
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
         SignalLog log(model.get());
         QList<std::function<void()>> bodies;
         std::array<bool, 3> ok{{true, true, true}};

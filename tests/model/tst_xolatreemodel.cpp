@@ -1,3 +1,4 @@
+#include "ModelTesters.h"
 #include "PartialModel.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
@@ -25,11 +26,19 @@ private:
     {
         XOLATreeModel* m = createModel();
         tree.owned << m;
-        m->AppendItemsList(items(ids));
+        appendEach(m, items(ids));
         return m;
     }
 
 private slots:
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        TestSupport::flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
+
     void rowCountAndData()
     {
         Tree t;
@@ -145,9 +154,9 @@ private slots:
         XOLATreeModel* child5 = model({"twice", "c5"}, t);
         XOLATreeModel* root = createModel();
         t.owned << root;
-        root->AppendItemsList(items({"r0", "r1"}));
+        appendEach(root, items({"r0", "r1"}));
         root->AppendItem(new XOLATreeItem("r2", "R2", child2));
-        root->AppendItemsList(items({"r3", "r4"}));
+        appendEach(root, items({"r3", "r4"}));
         root->AppendItem(new XOLATreeItem("r5", "R5", child5));
 
         QCOMPARE(root->FindItem("deep", false), static_cast<QObject*>(nullptr));
@@ -229,9 +238,12 @@ private slots:
 
     void partialDelegation()
     {
+        // The window announces the rows of a new size after the change, and, left
+        // at row 3, counts below zero as the model empties on its way out.
+        ModelTesters::expect({ModelTesters::WindowRowsAfterChange, ModelTesters::WindowNegativeCount});
         Tree t;
         XOLATreeModel* m = model({"a", "b", "c", "d", "e"}, t);
-        auto* window = qobject_cast<PartialModel*>(m->GetPartialModel(2));
+        auto* window = ModelTesters::watch(qobject_cast<PartialModel*>(m->GetPartialModel(2)));
         QVERIFY(window);
         QCOMPARE(window, m->GetPartialModel(2)); // always the model's own window
         QCOMPARE(window->rowCount(), 2);
@@ -287,6 +299,7 @@ private slots:
     void noArgumentModelIsLimited()
     {
         XOLATreeModel m;
+        ModelTesters::watch(&m);
         QVERIFY(m.roleNames().isEmpty());
         QCOMPARE(m.GetPartialModel(3), static_cast<QObject*>(nullptr));
         QCOMPARE(m.FirstPartialModelRow(), 0);

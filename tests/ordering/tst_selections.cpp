@@ -2,6 +2,7 @@
 // the model and in a filter view that keeps itself sorted, while the notices
 // of each sort stay exactly what they are without any selection.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -40,7 +41,7 @@ QVariantList rule(const char* roleName, bool ascending)
 ModelPtr sampleModel()
 {
     ModelPtr model(createModel(0, extendedRoleNames()));
-    model->AppendItemsList(valueItems({3, 1, 2, 5, 4}));
+    appendEach(model.get(), valueItems({3, 1, 2, 5, 4}));
     return model;
 }
 
@@ -80,7 +81,13 @@ class tst_Selections : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     void followSorts_data()
     {
@@ -89,48 +96,58 @@ private slots:
         // The script sort ends with a lone modelReset(), on which a selection
         // model clears itself; persistent indexes still follow their items.
         QTest::addColumn<bool>("selectionKept");
+        QTest::addColumn<ModelTesters::Departures>("departures");
 
         QTest::newRow("SortByRole(int)") << Operation([](XOLATreeModel* m) { m->SortByRole(kValueRole, true); })
-                                         << QStringList{"i1", "i2", "i0", "i4", "i3"} << true;
+                                         << QStringList{"i1", "i2", "i0", "i4", "i3"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRole(name)")
             << Operation([](XOLATreeModel* m) { m->SortByRole(QStringLiteral("valueRole"), false); })
-            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true;
+            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRole(less-than)")
             << Operation([](XOLATreeModel* m) {
                    m->SortByRole(kValueRole, true, [](const QVariant& a, const QVariant& b) {
                        return a.toInt() > b.toInt();
                    });
                })
-            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true;
+            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRoleAndKeep") << Operation([](XOLATreeModel* m) { m->SortByRoleAndKeep(kValueRole, true); })
-                                           << QStringList{"i1", "i2", "i0", "i4", "i3"} << true;
+                                           << QStringList{"i1", "i2", "i0", "i4", "i3"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRoleAndKeep, then an insertion re-sorts")
             << Operation([](XOLATreeModel* m) {
                    m->SortByRoleAndKeep(kValueRole, false);
                    m->AppendItem(valueItem(QStringLiteral("n"), 0));
                    m->InsertItem(0, valueItem(QStringLiteral("m"), 9));
                })
-            << QStringList{"m", "i3", "i4", "i0", "i2", "i1", "n"} << true;
+            << QStringList{"m", "i3", "i4", "i0", "i2", "i1", "n"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRules") << Operation([](XOLATreeModel* m) { m->SortByRules(rule("valueRole", true)); })
-                                     << QStringList{"i1", "i2", "i0", "i4", "i3"} << true;
+                                     << QStringList{"i1", "i2", "i0", "i4", "i3"} << true
+            << ModelTesters::Departures();
         QTest::newRow("SortByRules keep, then loads re-sort")
             << Operation([](XOLATreeModel* m) {
                    m->SortByRules(rule("valueRole", true), XOLATreeModel::KeepSorting);
                    m->AppendItemsList({valueItem(QStringLiteral("n"), 0), valueItem(QStringLiteral("m"), 9)});
                    m->PrependItem(valueItem(QStringLiteral("k"), 4));
                })
-            << QStringList{"n", "i1", "i2", "i0", "i4", "k", "i3", "m"} << true;
+            << QStringList{"n", "i1", "i2", "i0", "i4", "k", "i3", "m"} << true
+            << ModelTesters::Departures{ModelTesters::ListLoadAfterChange, ModelTesters::PrependAtOldEnd};
         QTest::newRow("SortByRoleByQMLFunction")
             << Operation([](XOLATreeModel* m) {
                    m->SortByRoleByQMLFunction(kValueRole, true, compareFile("less.qml"), QStringLiteral("greater"));
                })
-            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true;
+            << QStringList{"i3", "i4", "i0", "i2", "i1"} << true
+            << ModelTesters::Departures{ModelTesters::FunctionSortLoneLayout};
         QTest::newRow("SortByRoleByScriptFunction")
             << Operation([](XOLATreeModel* m) {
                    m->SortByRoleByScriptFunction(QStringLiteral("valueRole"), true, compareFile("less.js"),
                                                  QStringLiteral("less"));
                })
-            << QStringList{"i1", "i2", "i0", "i4", "i3"} << false;
+            << QStringList{"i1", "i2", "i0", "i4", "i3"} << false
+            << ModelTesters::Departures{ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset};
     }
 
     void followSorts()
@@ -138,6 +155,8 @@ private slots:
         QFETCH(Operation, operation);
         QFETCH(QStringList, order);
         QFETCH(bool, selectionKept);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
 
         // The notices of the operation without any selection or persistent index.
         ModelPtr plain = sampleModel();
@@ -164,7 +183,8 @@ private slots:
     void followSortsOfAFilterView()
     {
         ModelPtr source = sampleModel();
-        QPointer<XOLATreeModel> view(qobject_cast<XOLATreeModel*>(source->GetFilterModel()));
+        ModelTesters::expect(ModelTesters::FilterEntryAfterChange);
+        QPointer<XOLATreeModel> view(ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetFilterModel())));
         QVERIFY(view);
         view->SortByRules(rule("valueRole", true), XOLATreeModel::KeepSorting);
         QCOMPARE(ids(view), QStringList({"i1", "i2", "i0", "i4", "i3"}));
@@ -211,6 +231,7 @@ private slots:
 
     void followASinglePrepend()
     {
+        ModelTesters::expect(ModelTesters::PrependAtOldEnd);
         // The row is announced at the old end while the item goes to the front;
         // persistent indexes are put back on their items all the same.
         ModelPtr model = sampleModel();

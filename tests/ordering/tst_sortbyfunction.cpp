@@ -1,6 +1,7 @@
 // Sorting with a comparison written in a QML file (a method of its root object)
 // or in a script file (a global function).
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 
@@ -26,7 +27,7 @@ QStringList idList(const char* text)
 XOLATreeModel* modelWithValues(const QVariantList& values)
 {
     XOLATreeModel* model = createModel(0, extendedRoleNames());
-    model->AppendItemsList(valueItems(values));
+    appendEach(model, valueItems(values));
     return model;
 }
 
@@ -41,7 +42,13 @@ class TestSortByFunction : public QObject
 
 private slots:
     void initTestCase();
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     void qmlFunction_data();
     void qmlFunction();
@@ -98,6 +105,7 @@ void TestSortByFunction::qmlFunction()
     QFETCH(QString, function);
     QFETCH(bool, ascending);
     QFETCH(QStringList, expected);
+    ModelTesters::expect(ModelTesters::FunctionSortLoneLayout);
 
     // Given
     QScopedPointer<XOLATreeModel> model(modelWithValues({3, 1, QVariant(), 2}));
@@ -111,6 +119,7 @@ void TestSortByFunction::qmlFunction()
 
 void TestSortByFunction::qmlNameForm()
 {
+    ModelTesters::expect(ModelTesters::FunctionSortLoneLayout);
     QScopedPointer<XOLATreeModel> model(modelWithValues({"b", "c", "a", "b"}));
     SignalLog log(model.data());
     model->SortByRoleByQMLFunction(QStringLiteral("valueRole"), true, compareFile("less.qml"), QStringLiteral("less"));
@@ -131,6 +140,7 @@ void TestSortByFunction::qmlEmptyNamesDoNothing()
 
 void TestSortByFunction::qmlOnEmptyModelStillEmits()
 {
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::EmptySortDataChanged});
     QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
     SignalLog log(model.data());
     model->SortByRoleByQMLFunction(kValueRole, true, compareFile("less.qml"), QStringLiteral("less"));
@@ -141,6 +151,7 @@ void TestSortByFunction::qmlOnEmptyModelStillEmits()
 
 void TestSortByFunction::qmlLeavesKeepSortingAlone()
 {
+    ModelTesters::expect(ModelTesters::FunctionSortLoneLayout);
     QScopedPointer<XOLATreeModel> model(modelWithValues({3, 1, 2, 0}));
     model->SortByRoleAndKeep(kValueRole, true);
     const QVariantList rules = model->sortRules();
@@ -181,6 +192,7 @@ void TestSortByFunction::scriptFunction()
     QFETCH(QString, function);
     QFETCH(bool, ascending);
     QFETCH(QStringList, expected);
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset});
 
     // Given
     QScopedPointer<XOLATreeModel> model(modelWithValues({3, 1, QVariant(), 2}));
@@ -194,6 +206,7 @@ void TestSortByFunction::scriptFunction()
 
 void TestSortByFunction::scriptNameForm()
 {
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset});
     QScopedPointer<XOLATreeModel> model(modelWithValues({"b", "c", "a", "b"}));
     SignalLog log(model.data());
     model->SortByRoleByScriptFunction(QStringLiteral("valueRole"), false, compareFile("less.js"), QStringLiteral("less"));
@@ -203,6 +216,7 @@ void TestSortByFunction::scriptNameForm()
 
 void TestSortByFunction::scriptUnknownRoleNameReadsRoleZero()
 {
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset});
     // No row has a value for role 0: every row keeps its place.
     QScopedPointer<XOLATreeModel> model(modelWithValues({3, 1, 2, 0}));
     SignalLog log(model.data());
@@ -242,6 +256,8 @@ void TestSortByFunction::scriptEmptyNamesDoNothing()
 
 void TestSortByFunction::scriptOnEmptyModelStillEmits()
 {
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset,
+                          ModelTesters::EmptySortDataChanged});
     QScopedPointer<XOLATreeModel> model(createModel(0, extendedRoleNames()));
     SignalLog log(model.data());
     model->SortByRoleByScriptFunction(kValueRole, true, compareFile("less.js"), QStringLiteral("less"));
@@ -258,6 +274,7 @@ void TestSortByFunction::scriptOnEmptyModelWithMissingFileDoesNothing()
 
 void TestSortByFunction::scriptLeavesKeepSortingAlone()
 {
+    ModelTesters::expect({ModelTesters::FunctionSortLoneLayout, ModelTesters::ScriptSortLoneReset});
     QScopedPointer<XOLATreeModel> model(modelWithValues({3, 1, 2, 0}));
     model->SortByRoleAndKeep(kValueRole, false);
     model->SortByRoleByScriptFunction(kValueRole, true, compareFile("less.js"), QStringLiteral("less"));

@@ -1,6 +1,7 @@
 // Multi-rule sorting: SortByRules, the keep-sorting it stores, and the
 // recursive re-sort of child models.
 
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 
@@ -66,13 +67,14 @@ struct Tree
     explicit Tree(int rootFlags, int childFlags = 0)
     {
         g1 = newModel(childFlags);
-        g1->AppendItemsList({valueItem("g11", "n"), valueItem("g12", "m")});
+        appendEach(g1, {valueItem("g11", "n"), valueItem("g12", "m")});
         c1 = newModel(childFlags);
-        c1->AppendItemsList({valueItem("c11", "y", QVariant(), QVariant(), g1), valueItem("c12", "x")});
+        appendEach(c1, {valueItem("c11", "y", QVariant(), QVariant(), g1), valueItem("c12", "x")});
         c2 = newModel(childFlags);
-        c2->AppendItemsList({valueItem("c21", "q"), valueItem("c22", "p")});
+        appendEach(c2, {valueItem("c21", "q"), valueItem("c22", "p")});
         root.reset(newModel(rootFlags));
-        root->AppendItemsList({valueItem("r1", "b", QVariant(), QVariant(), c1), valueItem("r2", "a", QVariant(), QVariant(), c2)});
+        appendEach(root.data(),
+                   {valueItem("r1", "b", QVariant(), QVariant(), c1), valueItem("r2", "a", QVariant(), QVariant(), c2)});
     }
     ~Tree()
     {
@@ -103,7 +105,13 @@ class TestSortByRules : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { flushDeferredDeletes(); }
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
 
     void ordersRows_data();
     void ordersRows();
@@ -162,8 +170,8 @@ void TestSortByRules::ordersRows()
     QFETCH(QStringList, expected);
 
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("a", "b", 1), valueItem("b", "a", 2, "x"), valueItem("c", "c", 1, "y"),
-                            valueItem("d", "a", 1, "x"), valueItem("e", "d", 2)});
+    appendEach(model.data(), {valueItem("a", "b", 1), valueItem("b", "a", 2, "x"), valueItem("c", "c", 1, "y"),
+                              valueItem("d", "a", 1, "x"), valueItem("e", "d", 2)});
     model->SortByRules(rules);
     QCOMPARE(ids(model.data()), expected);
 }
@@ -171,7 +179,7 @@ void TestSortByRules::ordersRows()
 void TestSortByRules::emitsOneDataChanged()
 {
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("1", "b"), valueItem("2", "a"), valueItem("3", "c")});
+    appendEach(model.data(), {valueItem("1", "b"), valueItem("2", "a"), valueItem("3", "c")});
     SignalLog log(model.data());
     model->SortByRules({rule("nameRole", true)});
     QCOMPARE(ids(model.data()), idList("2 1 3"));
@@ -180,6 +188,7 @@ void TestSortByRules::emitsOneDataChanged()
 
 void TestSortByRules::emptyModelStillEmits()
 {
+    ModelTesters::expect(ModelTesters::EmptySortDataChanged);
     QScopedPointer<XOLATreeModel> model(newModel());
     SignalLog log(model.data());
     model->SortByRules({rule("nameRole", true)}, 1);
@@ -191,7 +200,7 @@ void TestSortByRules::emptyModelStillEmits()
 void TestSortByRules::emptyRuleListReversesAtEachCall()
 {
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList(items({"A", "B", "C"}));
+    appendEach(model.data(), items({"A", "B", "C"}));
     SignalLog log(model.data());
     model->SortByRules({});
     QCOMPARE(ids(model.data()), idList("C B A"));
@@ -203,8 +212,8 @@ void TestSortByRules::emptyRuleListReversesAtEachCall()
 void TestSortByRules::fullyTiedRowsReverseAtEachCall()
 {
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("a", "same", 1, "g"), valueItem("b", "same", 1, "g"), valueItem("c", "same", 1, "g"),
-                            valueItem("d", "same", 1, "g")});
+    appendEach(model.data(), {valueItem("a", "same", 1, "g"), valueItem("b", "same", 1, "g"),
+                              valueItem("c", "same", 1, "g"), valueItem("d", "same", 1, "g")});
     for (bool ascending : {true, false}) {
         const QVariantList rules{rule("valueRole", ascending), rule("groupRole", !ascending), rule("nameRole", ascending)};
         model->SortByRules(rules);
@@ -218,7 +227,7 @@ void TestSortByRules::usesQVariantOrderForStrings()
 {
     // The rule comparison ignores case where the single-role sort does not.
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("1", "a"), valueItem("2", "B")});
+    appendEach(model.data(), {valueItem("1", "a"), valueItem("2", "B")});
     model->SortByRole(QStringLiteral("nameRole"), true);
     QCOMPARE(ids(model.data()), idList("2 1"));
     model->SortByRules({rule("nameRole", true)});
@@ -228,7 +237,7 @@ void TestSortByRules::usesQVariantOrderForStrings()
 void TestSortByRules::storesRulesAndFlag()
 {
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList(items({"a", "b"}));
+    appendEach(model.data(), items({"a", "b"}));
     const QVariantList rules{rule("nameRole", true), rule("idRole", false)};
 
     model->SortByRules(rules, 1);
@@ -250,7 +259,7 @@ void TestSortByRules::keepSortingReSortsAfterInsertion()
 {
     // Given
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("a", "a", 5), valueItem("b", "b", 1)});
+    appendEach(model.data(), {valueItem("a", "a", 5), valueItem("b", "b", 1)});
     model->SortByRules({rule("valueRole", true)}, IXOLATreeModel::KeepSorting);
     QCOMPARE(ids(model.data()), idList("b a"));
     SignalLog log(model.data());
@@ -268,8 +277,9 @@ void TestSortByRules::keepSortingReSortsAfterInsertion()
 
 void TestSortByRules::keepSortingFlipsTiesAtEachInsertion()
 {
+    ModelTesters::expect(ModelTesters::PrependAtOldEnd);
     QScopedPointer<XOLATreeModel> model(newModel());
-    model->AppendItemsList({valueItem("a", "a", QVariant(), "g"), valueItem("b", "b", QVariant(), "g")});
+    appendEach(model.data(), {valueItem("a", "a", QVariant(), "g"), valueItem("b", "b", QVariant(), "g")});
     model->SortByRules({rule("groupRole", true)}, 1);
     QCOMPARE(ids(model.data()), idList("b a"));
     model->AppendItem(valueItem("c", "c", QVariant(), "g"));
@@ -371,7 +381,7 @@ void TestSortByRules::childThatIsNoModelIsSkipped()
 {
     QScopedPointer<XOLATreeModel> model(newModel());
     auto* notAModel = new QObject; // disposed of by the model with its item
-    model->AppendItemsList({valueItem("b", "b", QVariant(), QVariant(), notAModel), valueItem("a", "a")});
+    appendEach(model.data(), {valueItem("b", "b", QVariant(), QVariant(), notAModel), valueItem("a", "a")});
     model->SortByRules({rule("nameRole", true)}, 2);
     QCOMPARE(ids(model.data()), idList("a b"));
 }
@@ -382,8 +392,8 @@ void TestSortByRules::childLeadingBackToItsParentIsSortedOnce()
     QScopedPointer<XOLATreeModel> inner(newModel());
     QScopedPointer<XOLATreeModel> outer(newModel());
     XOLATreeItem* loop = valueItem("loop", "z", QVariant(), QVariant(), outer.data());
-    inner->AppendItemsList({loop, valueItem("y", "y")});
-    outer->AppendItemsList({valueItem("c", "c", QVariant(), QVariant(), inner.data()), valueItem("d", "d")});
+    appendEach(inner.data(), {loop, valueItem("y", "y")});
+    appendEach(outer.data(), {valueItem("c", "c", QVariant(), QVariant(), inner.data()), valueItem("d", "d")});
     SignalLog outerLog(outer.data());
     SignalLog innerLog(inner.data());
     // When

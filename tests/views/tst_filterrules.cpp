@@ -3,6 +3,7 @@
 
 #include "FilterModelImp.h"
 #include "FilterRules.h"
+#include "ModelTesters.h"
 #include "MyVariant.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -80,6 +81,14 @@ class TestFilterRules : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
+    void cleanup()
+    {
+        TestSupport::flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
+    }
+
     void operators_formatOne_data();
     void operators_formatOne();
     void substring_data();
@@ -267,7 +276,7 @@ void TestFilterRules::formatOne_ignoresRulesKey()
     // Then it is a single comparison and "Rules" plays no part
     QCOMPARE(DoCheckWithVersionOne(&item, map), true);
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(source->GetFilterModel()));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(source->GetFilterModel())));
     QCOMPARE(view->MatchRule(&item, {map}, true), true);
     map["Value"] = 6;
     QCOMPARE(view->MatchRule(&item, {map}, true), false);
@@ -391,7 +400,8 @@ void TestFilterRules::matchRule_lists()
     QFETCH(bool, passes);
 
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(source->GetFilterModel(rules, orAllRules)));
+    QScopedPointer<FilterModelImp> view(
+        ModelTesters::watch(static_cast<FilterModelImp*>(source->GetFilterModel(rules, orAllRules))));
     ValueItem item("i", "n", 5);
     QCOMPARE(view->MatchRule(&item, rules, orAllRules), passes);
     QCOMPARE(view->IsMatchRule(&item), passes);
@@ -400,7 +410,7 @@ void TestFilterRules::matchRule_lists()
 void TestFilterRules::matchRule_topLevelShortCircuit()
 {
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(source->GetFilterModel()));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(source->GetFilterModel())));
     const QVariantList rules = {rule("valueRole", IXOLATreeModel::Eq, 6), rule("valueRole", IXOLATreeModel::Eq, 5)};
 
     // "and": the first rule fails, the second is never evaluated
@@ -425,7 +435,8 @@ void TestFilterRules::matchRule_descendsIntoChildModels()
     child->AppendItem(new ValueItem("c2", "n", 50));
     const QVariantList rules = {rule("valueRole", IXOLATreeModel::Gt, 10)};
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(source->GetFilterModel(rules)));
+    QScopedPointer<FilterModelImp> view(
+        ModelTesters::watch(static_cast<FilterModelImp*>(source->GetFilterModel(rules))));
     ValueItem parent("p", "n", 0, child);
 
     // Then the parent passes through its child
@@ -455,8 +466,8 @@ void TestFilterRules::matchRule_grandchildKeepsParent()
     source->AppendItem(new ValueItem("s", "n", 0));
 
     // When a view keeps values above 10
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)})));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)}))));
     // Then p is kept for its grandchild, s is not
     QCOMPARE(TestSupport::ids(view.data()), QStringList({"p"}));
 }
@@ -468,8 +479,8 @@ void TestFilterRules::matchRule_unknownOperatorFailsDescendantsToo()
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
     source->AppendItem(new ValueItem("p", "n", 1, child));
     source->AppendItem(new ValueItem("s", "n", 1));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", 8, 1)})));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", 8, 1)}))));
     QCOMPARE(view->rowCount(), 0);
 }
 
@@ -480,15 +491,15 @@ void TestFilterRules::matchRule_descentUsesViewRules()
     XOLATreeModel* child = TestSupport::createModel(0, TestSupport::extendedRoleNames());
     child->AppendItem(new ValueItem("c", "n", 7));
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Eq, 7)})));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Eq, 7)}))));
     ValueItem parent("p", "n", 0, child);
     QVERIFY(view->MatchRule(&parent, {rule("valueRole", IXOLATreeModel::Eq, 1)}, true));
     QVERIFY(view->MatchRule(&parent, {rule("valueRole", IXOLATreeModel::Eq, 1)}, false));
     // A view whose own rules the child fails does not keep the parent, although
     // the list handed in would pass the child
-    QScopedPointer<FilterModelImp> other(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Eq, 8)})));
+    QScopedPointer<FilterModelImp> other(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Eq, 8)}))));
     QVERIFY(!other->MatchRule(&parent, {rule("valueRole", IXOLATreeModel::Eq, 7)}, true));
     delete child;
 }
@@ -505,7 +516,8 @@ void TestFilterRules::matchRule_descentUsesPredicateWhenGiven()
     XOLATreeModel* child = TestSupport::createModel(0, TestSupport::extendedRoleNames());
     child->AppendItem(new ValueItem("c", "keep", 0));
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames(), nullptr, match));
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(source->GetFilterModelByUserDefinedRules("keep")));
+    QScopedPointer<FilterModelImp> view(
+        ModelTesters::watch(static_cast<FilterModelImp*>(source->GetFilterModelByUserDefinedRules("keep"))));
     ValueItem parent("p", "other", 0, child);
 
     // IsMatchRule asks the predicate alone: no descent
@@ -525,8 +537,8 @@ void TestFilterRules::matchRule_treeLeadingBackStops()
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames()));
     source->AppendItem(new ValueItem("loop", "n", 0, source.data()));
     // When a view tests it against a rule it fails
-    QScopedPointer<FilterModelImp> view(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)})));
+    QScopedPointer<FilterModelImp> view(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)}))));
     // Then the search ends and the item is not listed
     QCOMPARE(view->rowCount(), 0);
     QVERIFY(!view->MatchRule(qobject_cast<XOLATreeItem*>(source->FindItem(0)), view->filterRules(), true));
@@ -542,15 +554,15 @@ void TestFilterRules::isMatchRule_predicateOrRules()
     QScopedPointer<XOLATreeModel> source(TestSupport::createModel(0, TestSupport::extendedRoleNames(), nullptr, match));
     ValueItem item("i", "n", 5);
 
-    QScopedPointer<FilterModelImp> byPredicate(static_cast<FilterModelImp*>(
-        source->GetFilterModelByUserDefinedRules(QVariantMap{{"min", 3}})));
+    QScopedPointer<FilterModelImp> byPredicate(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModelByUserDefinedRules(QVariantMap{{"min", 3}}))));
     QVERIFY(byPredicate->IsMatchRule(&item));
     QCOMPARE(seen, QVariant(QVariantMap{{"min", 3}}));
     QCOMPARE(byPredicate->filterRules(), QVariantList());
     QCOMPARE(byPredicate->orAllRules(), false);
 
-    QScopedPointer<FilterModelImp> byRules(static_cast<FilterModelImp*>(
-        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)})));
+    QScopedPointer<FilterModelImp> byRules(ModelTesters::watch(static_cast<FilterModelImp*>(
+        source->GetFilterModel({rule("valueRole", IXOLATreeModel::Gt, 10)}))));
     seen = QVariant();
     QVERIFY(!byRules->IsMatchRule(&item));
     QVERIFY(!seen.isValid());

@@ -1,4 +1,5 @@
 #include "GroupModelImp.h"
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -27,32 +28,38 @@ ValueItem* member(const QString& id, const QVariant& group, const QVariant& text
     return item;
 }
 
-//! A source whose item "i<n>" carries groups[n] in groupRole and texts[n] in textRole.
-XOLATreeModel* makeSource(const QVariantList& groups, const QVariantList& texts = {}, int flags = 0)
+//! Items "i<n>" carrying groups[n] in groupRole and texts[n] in textRole.
+QList<XOLATreeItem*> members(const QVariantList& groups, const QVariantList& texts = {})
 {
-    XOLATreeModel* source = createModel(flags, extendedRoleNames());
     QList<XOLATreeItem*> list;
     for (int i = 0; i < groups.size(); ++i)
         list << member(QStringLiteral("i%1").arg(i), groups.at(i), texts.value(i));
-    source->AppendItemsList(list);
+    return list;
+}
+
+//! A source of members(groups, texts), appended one at a time.
+XOLATreeModel* makeSource(const QVariantList& groups, const QVariantList& texts = {}, int flags = 0)
+{
+    XOLATreeModel* source = createModel(flags, extendedRoleNames());
+    appendEach(source, members(groups, texts));
     return source;
 }
 
 GroupModelImp* groupView(XOLATreeModel* source, bool keepSortWithSource, int role = GroupRole)
 {
-    return qobject_cast<GroupModelImp*>(source->GetGroupModel(role, keepSortWithSource));
+    return ModelTesters::watch(qobject_cast<GroupModelImp*>(source->GetGroupModel(role, keepSortWithSource)));
 }
 
 XOLATreeModel* memberModel(const IXOLATreeModel* view, int row)
 {
     const QVariant child = view->FindItemValue(row, int(XOLATreeItem::ChildModelRole));
-    return qobject_cast<XOLATreeModel*>(child.value<QObject*>());
+    return ModelTesters::watch(qobject_cast<XOLATreeModel*>(child.value<QObject*>()));
 }
 
 XOLATreeModel* memberModel(const IXOLATreeModel* view, const QString& key)
 {
     const QVariant child = view->FindItemValue(key, int(XOLATreeItem::ChildModelRole));
-    return qobject_cast<XOLATreeModel*>(child.value<QObject*>());
+    return ModelTesters::watch(qobject_cast<XOLATreeModel*>(child.value<QObject*>()));
 }
 
 //! One "key:id,id" entry per group row, in view order.
@@ -116,9 +123,12 @@ class TestGroupModel : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
     void cleanup()
     {
         flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
     }
 
     void groupsFollowFirstAppearanceOfTheirKey()
@@ -206,7 +216,7 @@ private slots:
         QFETCH(int, role);
         QFETCH(QStringList, expected);
         ModelPtr source(makeSource({"b", "a", "b"}, {"x", "x", "y"}));
-        GroupPtr view(qobject_cast<GroupModelImp*>(source->GetGroupModel(roleName)));
+        GroupPtr view(ModelTesters::watch(qobject_cast<GroupModelImp*>(source->GetGroupModel(roleName))));
         QVERIFY(view);
         QVERIFY(!view->keepSortWithSource());
         QCOMPARE(view->groupRole(), role);
@@ -228,16 +238,22 @@ private slots:
         QTest::addColumn<QStringList>("expectedLog");
         QTest::addColumn<QStringList>("expectedGroups");
         QTest::addColumn<int>("expectedRole");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         const QStringList unchanged({"b:i0,i2", "a:i1", "c:i3"});
-        QTest::newRow("current role") << QVariant(GroupRole) << QStringList() << unchanged << GroupRole;
-        QTest::newRow("current role by name") << QVariant("groupRole") << QStringList() << unchanged << GroupRole;
+        QTest::newRow("current role") << QVariant(GroupRole) << QStringList() << unchanged << GroupRole
+            << ModelTesters::Departures();
+        QTest::newRow("current role by name") << QVariant("groupRole") << QStringList() << unchanged << GroupRole
+            << ModelTesters::Departures();
         QTest::newRow("other role") << QVariant(TextRole) << rebuild(3, 2) << QStringList({"x:i0,i1", "y:i2,i3"})
-                                    << TextRole;
+                                    << TextRole << ModelTesters::Departures{ModelTesters::GroupRebuildAfterChange};
         QTest::newRow("other role by name") << QVariant("textRole") << rebuild(3, 2)
-                                            << QStringList({"x:i0,i1", "y:i2,i3"}) << TextRole;
+                                            << QStringList({"x:i0,i1", "y:i2,i3"}) << TextRole
+            << ModelTesters::Departures{ModelTesters::GroupRebuildAfterChange};
         QTest::newRow("unknown name groups by role 0") << QVariant("noSuchRole") << rebuild(3, 1)
-                                                       << QStringList({":i0,i1,i2,i3"}) << 0;
-        QTest::newRow("role without values") << QVariant(300) << rebuild(3, 1) << QStringList({":i0,i1,i2,i3"}) << 300;
+                                                       << QStringList({":i0,i1,i2,i3"}) << 0
+            << ModelTesters::Departures{ModelTesters::GroupRebuildAfterChange};
+        QTest::newRow("role without values") << QVariant(300) << rebuild(3, 1) << QStringList({":i0,i1,i2,i3"}) << 300
+            << ModelTesters::Departures{ModelTesters::GroupRebuildAfterChange};
     }
 
     void updateGroupRole()
@@ -246,6 +262,8 @@ private slots:
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedGroups);
         QFETCH(int, expectedRole);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         // Given a view grouped by groupRole
         ModelPtr source(makeSource({"b", "a", "b", "c"}, {"x", "x", "y", "y"}));
         GroupPtr view(groupView(source.get(), false));
@@ -306,6 +324,9 @@ private slots:
     void valueChange()
     {
         QFETCH(bool, keepSortWithSource);
+        // Keeping the source's order, the view rebuilds its groups on every change.
+        if (keepSortWithSource)
+            ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         QFETCH(QString, id);
         QFETCH(QString, newKey);
         QFETCH(QStringList, expectedLog);
@@ -392,6 +413,10 @@ private slots:
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedGroups);
         QFETCH(QStringList, expectedRows);
+        // The source's list load announces its rows once they are in.
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
+        if (keepSortWithSource)
+            ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         ModelPtr source(makeSource({"b", "a", "b", "c"}));
         GroupPtr view(groupView(source.get(), keepSortWithSource));
         SignalLog log(view.get());
@@ -433,6 +458,9 @@ private slots:
         QFETCH(QString, operation);
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedGroups);
+        // Keeping the source's order, the view rebuilds its groups on every change.
+        if (keepSortWithSource)
+            ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         ModelPtr source(makeSource({"b", "a", "b", "c"}));
         GroupPtr view(groupView(source.get(), keepSortWithSource));
         SignalLog log(view.get());
@@ -470,6 +498,9 @@ private slots:
         QFETCH(bool, keepSortWithSource);
         QFETCH(QStringList, expectedGroups);
         QFETCH(QStringList, expectedRows);
+        // Keeping the source's order, the view rebuilds its groups on every change.
+        if (keepSortWithSource)
+            ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         ModelPtr source(makeSource({"b", "a", "b", "c"}));
         GroupPtr view(groupView(source.get(), keepSortWithSource));
         QVERIFY(source->RemoveOne(QStringLiteral("i0")));
@@ -493,6 +524,9 @@ private slots:
     {
         QFETCH(bool, keepSortWithSource);
         QFETCH(QStringList, expectedLog);
+        // Keeping the source's order, the view rebuilds its groups on every change.
+        if (keepSortWithSource)
+            ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         ModelPtr source(makeSource({"b", "a", "b", "c"}));
         GroupPtr view(groupView(source.get(), keepSortWithSource));
         QPointer<XOLATreeModel> members(memberModel(view.get(), "b"));
@@ -510,6 +544,7 @@ private slots:
 
     void allItemRemovedLeavesRecordedRowsToTheNextRebuild()
     {
+        ModelTesters::expect(ModelTesters::GroupRebuildAfterChange);
         ModelPtr source(makeSource({"b", "a", "b", "c"}, {"x", "x", "y", "y"}));
         GroupPtr view(groupView(source.get(), false));
         SignalLog log(view.get());
@@ -543,7 +578,8 @@ private slots:
         QCOMPARE(view->GetGroupChildModel(QStringLiteral("b")), static_cast<QObject*>(memberModel(view.get(), 0)));
         QCOMPARE(log.take(), QStringList());
         // A new key makes a group at the end
-        auto* created = qobject_cast<XOLATreeModel*>(view->GetGroupChildModel(QStringLiteral("z")));
+        auto* created =
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(view->GetGroupChildModel(QStringLiteral("z"))));
         QVERIFY(created);
         QCOMPARE(log.take(), groupAdded(2));
         QCOMPARE(view->GetGroupChildModel(QStringLiteral("z")), static_cast<QObject*>(created));
@@ -568,7 +604,7 @@ private slots:
 
     void withoutSource()
     {
-        GroupPtr view(new GroupModelImp(nullptr, GroupRole, false));
+        GroupPtr view(ModelTesters::watch(new GroupModelImp(nullptr, GroupRole, false)));
         SignalLog log(view.get());
         QCOMPARE(view->rowCount(), 0);
         QCOMPARE(view->groupRole(), -1);
@@ -584,6 +620,7 @@ private slots:
 
     void resetAndLayoutAreRelayed()
     {
+        ModelTesters::expect(ModelTesters::ViewsForwardLoneEnds);
         ModelPtr source(makeSource({"b", "a", "b"}));
         GroupPtr view(groupView(source.get(), true));
         SignalLog log(view.get());
@@ -591,6 +628,7 @@ private slots:
         source->MoveRow(0, 2);
         QCOMPARE(log.take(), QStringList({"modelReset()"}));
         QCOMPARE(groups(view.get()), QStringList({"b:i0,i2", "a:i1"}));
+        QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutAboutToBeChanged"));
         QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutChanged"));
         QCOMPARE(log.take(), QStringList({"layoutChanged()"}));
     }
@@ -600,7 +638,8 @@ private slots:
         // Group views are models too: grouping the groups by name
         ModelPtr source(makeSource({"b", "a", "b"}));
         GroupPtr view(groupView(source.get(), false));
-        GroupPtr outer(qobject_cast<GroupModelImp*>(view->GetGroupModel(QStringLiteral("nameRole"))));
+        GroupPtr outer(
+            ModelTesters::watch(qobject_cast<GroupModelImp*>(view->GetGroupModel(QStringLiteral("nameRole")))));
         QCOMPARE(groups(outer.get()), QStringList({"b:b", "a:a"}));
         SignalLog log(outer.get());
         source->AppendItem(member("i3", "c"));
@@ -611,16 +650,17 @@ private slots:
 
     void groupViewOfAFilterView()
     {
+        ModelTesters::expect(ModelTesters::FilterEntryAfterChange);
         // Given a source whose predicate lets through items whose text is the rule value
         auto match = [](const QObject* object, const QVariant& rule) {
             auto* item = qobject_cast<const XOLATreeItem*>(object);
             return item && item->getData(TextRole).toString() == rule.toString();
         };
         ModelPtr source(createModel(0, extendedRoleNames(), nullptr, match));
-        source->AppendItemsList({member("i0", "b", "on"), member("i1", "a", "off"), member("i2", "b", "on"),
-                                 member("i3", "c", "on")});
-        std::unique_ptr<XOLATreeModel> filter(
-            qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("on"))));
+        appendEach(source.get(), {member("i0", "b", "on"), member("i1", "a", "off"), member("i2", "b", "on"),
+                                  member("i3", "c", "on")});
+        std::unique_ptr<XOLATreeModel> filter(ModelTesters::watch(
+            qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("on")))));
         QVERIFY(filter);
         QCOMPARE(ids(filter.get()), QStringList({"i0", "i2", "i3"}));
         // When the filter view is grouped
@@ -644,12 +684,15 @@ private slots:
 
     void largeSourceGroupsAsTheSimpleDefinitionSays()
     {
-        // Given many items over a few hundred keys
+        // Given many items over a few hundred keys, loaded in one list as hosts
+        // load a large source (the list load announces its rows once they are in)
         const int count = 20000;
         QVariantList keys;
         for (int i = 0; i < count; ++i)
             keys << QStringLiteral("k%1").arg((i * 7919) % 300);
-        ModelPtr source(makeSource(keys));
+        ModelTesters::expect(ModelTesters::ListLoadAfterChange);
+        ModelPtr source(createModel(0, extendedRoleNames()));
+        source->AppendItemsList(members(keys));
         // When grouped
         GroupPtr view(groupView(source.get(), false));
         // Then the groups are what the definition gives: first appearance, source order

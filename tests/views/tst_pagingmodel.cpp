@@ -1,4 +1,5 @@
 #include "PagingModelImp.h"
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -27,13 +28,13 @@ QStringList rowIds(int first, int count)
 XOLATreeModel* makeSource(int rows, int flags = 0)
 {
     XOLATreeModel* source = createModel(flags, extendedRoleNames());
-    source->AppendItemsList(items(rowIds(0, rows)));
+    appendEach(source, items(rowIds(0, rows)));
     return source;
 }
 
 PagingModelImp* pagingView(IXOLATreeModel* source, uint perPage)
 {
-    return qobject_cast<PagingModelImp*>(source->GetPagingModel(perPage));
+    return ModelTesters::watch(qobject_cast<PagingModelImp*>(source->GetPagingModel(perPage)));
 }
 
 QStringList dataNames(const QAbstractItemModel* model)
@@ -68,9 +69,12 @@ class TestPagingModel : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { ModelTesters::startCase(); }
     void cleanup()
     {
         flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
     }
 
     void pages_data()
@@ -79,12 +83,14 @@ private slots:
         QTest::addColumn<uint>("perPage");
         QTest::addColumn<int>("totalPage");
         QTest::addColumn<QList<int>>("rowsPerPage");
-        QTest::newRow("25 rows, 10 per page") << 25 << 10u << 3 << QList<int>({10, 10, 5});
-        QTest::newRow("20 rows, 10 per page") << 20 << 10u << 2 << QList<int>({10, 10});
-        QTest::newRow("5 rows, 10 per page") << 5 << 10u << 1 << QList<int>({5});
-        QTest::newRow("empty source") << 0 << 10u << 0 << QList<int>({0});
-        QTest::newRow("one per page") << 3 << 1u << 3 << QList<int>({1, 1, 1});
-        QTest::newRow("0 per page means one page") << 25 << 0u << 1 << QList<int>({25});
+        QTest::addColumn<ModelTesters::Departures>("departures");
+        QTest::newRow("25 rows, 10 per page") << 25 << 10u << 3 << QList<int>({10, 10, 5})
+            << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange};
+        QTest::newRow("20 rows, 10 per page") << 20 << 10u << 2 << QList<int>({10, 10}) << ModelTesters::Departures();
+        QTest::newRow("5 rows, 10 per page") << 5 << 10u << 1 << QList<int>({5}) << ModelTesters::Departures();
+        QTest::newRow("empty source") << 0 << 10u << 0 << QList<int>({0}) << ModelTesters::Departures();
+        QTest::newRow("one per page") << 3 << 1u << 3 << QList<int>({1, 1, 1}) << ModelTesters::Departures();
+        QTest::newRow("0 per page means one page") << 25 << 0u << 1 << QList<int>({25}) << ModelTesters::Departures();
     }
 
     void pages()
@@ -93,6 +99,8 @@ private slots:
         QFETCH(uint, perPage);
         QFETCH(int, totalPage);
         QFETCH(QList<int>, rowsPerPage);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         ModelPtr source(makeSource(sourceRows));
         PagingPtr view(pagingView(source.get(), perPage));
         QVERIFY(view);
@@ -135,6 +143,7 @@ private slots:
 
     void emptySource()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(0));
         PagingPtr view(pagingView(source.get(), 10));
         QCOMPARE(view->totalPage(), 0);
@@ -154,6 +163,7 @@ private slots:
 
     void setPageSignals()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         // Given 25 rows at 10 per page, on page 0
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
@@ -174,6 +184,7 @@ private slots:
 
     void pagePropertyFromQmlSide()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         SignalLog log(view.get());
@@ -214,25 +225,28 @@ private slots:
         QTest::addColumn<QStringList>("expectedLog");
         QTest::addColumn<int>("expectedPage");
         QTest::addColumn<QStringList>("expectedIds");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // 25 rows at 10 per page.
         QTest::newRow("last page removed")
             << 2 << "Remove 20..24" << (QStringList({"totalPageChanged(2)", "pageChanged(1)", changed(0, 9)}) + inserted(5, 9))
-            << 1 << rowIds(10, 10);
+            << 1 << rowIds(10, 10) << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange};
         QTest::newRow("removal from the previous page on")
             << 2 << "Remove 15..24"
             << QStringList({"totalPageChanged(2)", "pageChanged(1)", changed(0, 4), changed(0, 4)}) << 1
-            << rowIds(10, 5);
+            << rowIds(10, 5) << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange};
         QTest::newRow("everything removed")
             << 2 << "RemoveAll"
             << (QStringList({"totalPageChanged(0)", "pageChanged(0)", changed(0, 0)}) + removed(0, 4) + QStringList(changed(0, 0)))
-            << 0 << QStringList();
+            << 0 << QStringList()
+            << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange, ModelTesters::PagingRefreshesEmptyPage};
         QTest::newRow("one row of an earlier page")
-            << 2 << "RemoveOne r0" << (QStringList(changed(0, 3)) + removed(4, 4)) << 2 << rowIds(21, 4);
+            << 2 << "RemoveOne r0" << (QStringList(changed(0, 3)) + removed(4, 4)) << 2 << rowIds(21, 4)
+            << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange};
         QTest::newRow("rows of a later page") << 0 << "Remove 20..24" << QStringList({"totalPageChanged(2)"}) << 0
-                                              << rowIds(0, 10);
+                                              << rowIds(0, 10) << ModelTesters::Departures();
         QTest::newRow("one row of the current page")
             << 1 << "RemoveOne r12" << QStringList(changed(0, 9)) << 1
-            << (rowIds(10, 2) + rowIds(13, 8));
+            << (rowIds(10, 2) + rowIds(13, 8)) << ModelTesters::Departures();
     }
 
     void sourceShrinksUnderThePage()
@@ -242,6 +256,8 @@ private slots:
         QFETCH(QStringList, expectedLog);
         QFETCH(int, expectedPage);
         QFETCH(QStringList, expectedIds);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         view->setPage(startPage);
@@ -265,15 +281,19 @@ private slots:
         QTest::addColumn<QString>("operation");
         QTest::addColumn<QStringList>("expectedLog");
         QTest::addColumn<QStringList>("expectedIds");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // 25 rows at 10 per page.
         QTest::newRow("appended past the current page")
-            << 0 << "append 6" << QStringList({"totalPageChanged(4)"}) << rowIds(0, 10);
+            << 0 << "append 6" << QStringList({"totalPageChanged(4)"}) << rowIds(0, 10)
+            << ModelTesters::Departures{ModelTesters::ListLoadAfterChange};
         QTest::newRow("appended to the current page")
-            << 2 << "append 1" << (QStringList(changed(0, 5)) + inserted(5, 5)) << rowIds(20, 6);
+            << 2 << "append 1" << (QStringList(changed(0, 5)) + inserted(5, 5)) << rowIds(20, 6)
+            << ModelTesters::Departures{ModelTesters::PagingRowsAfterChange};
         QTest::newRow("appended, filling the page and opening a new one")
-            << 2 << "append 6" << (QStringList({"totalPageChanged(4)", changed(0, 9)}) + inserted(5, 9)) << rowIds(20, 10);
+            << 2 << "append 6" << (QStringList({"totalPageChanged(4)", changed(0, 9)}) + inserted(5, 9)) << rowIds(20, 10)
+            << ModelTesters::Departures{ModelTesters::ListLoadAfterChange, ModelTesters::PagingRowsAfterChange};
         QTest::newRow("inserted on an earlier page")
-            << 1 << "insert at 0" << QStringList(changed(0, 9)) << (rowIds(9, 10));
+            << 1 << "insert at 0" << QStringList(changed(0, 9)) << (rowIds(9, 10)) << ModelTesters::Departures();
     }
 
     void sourceGrows()
@@ -282,6 +302,8 @@ private slots:
         QFETCH(QString, operation);
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedIds);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         view->setPage(startPage);
@@ -317,6 +339,9 @@ private slots:
         QFETCH(int, top);
         QFETCH(int, bottom);
         QFETCH(QStringList, expectedLog);
+        // Page 2 is the short last one: the move announces its fewer rows after it.
+        if (page == 2)
+            ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         view->setPage(page);
@@ -340,6 +365,7 @@ private slots:
 
     void findFamily()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         for (int page = 0; page < 3; ++page) {
@@ -382,6 +408,7 @@ private slots:
 
     void oneUnboundedPage()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(5));
         PagingPtr view(pagingView(source.get(), 0));
         QCOMPARE(view->numPerPage(), 4294967295u);
@@ -399,7 +426,7 @@ private slots:
 
     void withoutSource()
     {
-        PagingPtr view(new PagingModelImp(nullptr, 10));
+        PagingPtr view(ModelTesters::watch(new PagingModelImp(nullptr, 10)));
         QCOMPARE(view->totalPage(), 0);
         QCOMPARE(view->rowCount(), 0);
         QCOMPARE(view->FindItemRow(QStringLiteral("a")), -1);
@@ -415,6 +442,7 @@ private slots:
     void removedHandlerIsForHostsThatConnectIt()
     {
         // The view follows removals through its count handler only
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(makeSource(25));
         PagingPtr view(pagingView(source.get(), 10));
         view->setPage(2);
@@ -429,27 +457,30 @@ private slots:
 
     void resetAndLayoutAreRelayed()
     {
+        ModelTesters::expect(ModelTesters::ViewsForwardLoneEnds);
         ModelPtr source(makeSource(5));
         PagingPtr view(pagingView(source.get(), 2));
         SignalLog log(view.get());
         source->MoveRow(0, 4);
         QCOMPARE(log.take(), QStringList({"modelReset()"}));
         QCOMPARE(ids(view.get()), QStringList({"r1", "r2"}));
+        QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutAboutToBeChanged"));
         QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutChanged"));
         QCOMPARE(log.take(), QStringList({"layoutChanged()"}));
     }
 
     void pagingOfAFilterView()
     {
+        ModelTesters::expect({ModelTesters::PagingRowsAfterChange, ModelTesters::FilterEntryAfterChange});
         // Given a predicate view letting through ids that start with the rule value
         auto match = [](const QObject* object, const QVariant& rule) {
             auto* item = qobject_cast<const XOLATreeItem*>(object);
             return item && item->id().startsWith(rule.toString());
         };
         ModelPtr source(createModel(0, extendedRoleNames(), nullptr, match));
-        source->AppendItemsList(items({"a0", "b0", "a1", "a2", "b1", "a3", "a4"}));
+        appendEach(source.get(), items({"a0", "b0", "a1", "a2", "b1", "a3", "a4"}));
         std::unique_ptr<XOLATreeModel> filter(
-            qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("a"))));
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("a")))));
         QVERIFY(filter);
         QCOMPARE(ids(filter.get()), QStringList({"a0", "a1", "a2", "a3", "a4"}));
         // When it is paged by 2
@@ -483,6 +514,7 @@ private slots:
     void pagingOfAGroupView()
     {
         // The groups of a group view page like any rows
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         ModelPtr source(createModel(0, extendedRoleNames()));
         QList<XOLATreeItem*> list;
         for (int i = 0; i < 7; ++i) {
@@ -490,8 +522,9 @@ private slots:
             member->setExtra(ValueItem::GroupRole, QStringLiteral("g%1").arg(i % 5));
             list << member;
         }
-        source->AppendItemsList(list);
-        std::unique_ptr<XOLATreeModel> groups(qobject_cast<XOLATreeModel*>(source->GetGroupModel(ValueItem::GroupRole)));
+        appendEach(source.get(), list);
+        std::unique_ptr<XOLATreeModel> groups(
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetGroupModel(ValueItem::GroupRole))));
         PagingPtr view(pagingView(groups.get(), 2));
         QCOMPARE(view->totalPage(), 3);
         view->setPage(2);

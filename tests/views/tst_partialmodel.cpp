@@ -1,4 +1,5 @@
 #include "PartialModel.h"
+#include "ModelTesters.h"
 #include "SignalLog.h"
 #include "TestSupport.h"
 #include "XOLATreeModel.h"
@@ -24,14 +25,14 @@ QStringList rowIds(int first, int count)
 XOLATreeModel* makeSource(int rows)
 {
     XOLATreeModel* source = createModel(0, extendedRoleNames());
-    source->AppendItemsList(items(rowIds(0, rows)));
+    appendEach(source, items(rowIds(0, rows)));
     return source;
 }
 
 //! The model's window, with a size of count.
 PartialModel* window(IXOLATreeModel* model, int count)
 {
-    return qobject_cast<PartialModel*>(model->GetPartialModel(count));
+    return ModelTesters::watch(qobject_cast<PartialModel*>(model->GetPartialModel(count)));
 }
 
 //! Ids of the rows the window shows, read through data().
@@ -70,13 +71,20 @@ class TestPartialModel : public QObject
     Q_OBJECT
 
 private slots:
+    // A window left past row 0 when its source goes counts below zero while the
+    // source empties on its way out: the cases that leave it there declare
+    // WindowNegativeCount for that alone.
+    void init() { ModelTesters::startCase(); }
     void cleanup()
     {
         flushDeferredDeletes();
+        const QString findings = ModelTesters::finishCase();
+        QVERIFY2(findings.isEmpty(), qPrintable(findings));
     }
 
     void windowOverTheSource()
     {
+        ModelTesters::expect(ModelTesters::WindowRowsAfterChange);
         // Given a source of 10 rows and its (still empty) window
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 0);
@@ -104,15 +112,21 @@ private slots:
         QTest::addColumn<QStringList>("expectedLog");
         QTest::addColumn<int>("expectedFirst");
         QTest::addColumn<QStringList>("expectedIds");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // 10 source rows, window of 4.
-        QTest::newRow("within the source") << 0 << 2 << QStringList(changed(0, 3)) << 2 << rowIds(2, 4);
+        QTest::newRow("within the source") << 0 << 2 << QStringList(changed(0, 3)) << 2 << rowIds(2, 4)
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
         QTest::newRow("near the end") << 0 << 8 << (QStringList(changed(0, 1)) + removed(2, 3) << countChanged) << 8
-                                      << rowIds(8, 2);
+                                      << rowIds(8, 2)
+            << ModelTesters::Departures{ModelTesters::WindowRowsAfterChange, ModelTesters::WindowNegativeCount};
         QTest::newRow("past the end clamps to the last row")
-            << 0 << 50 << (QStringList(changed(0, 0)) + removed(1, 3) << countChanged) << 9 << rowIds(9, 1);
+            << 0 << 50 << (QStringList(changed(0, 0)) + removed(1, 3) << countChanged) << 9 << rowIds(9, 1)
+            << ModelTesters::Departures{ModelTesters::WindowRowsAfterChange, ModelTesters::WindowNegativeCount};
         QTest::newRow("negative clamps to 0") << 8 << -3 << (QStringList(changed(0, 3)) + inserted(2, 3) << countChanged)
-                                              << 0 << rowIds(0, 4);
-        QTest::newRow("the current row") << 3 << 3 << QStringList() << 3 << rowIds(3, 4);
+                                              << 0 << rowIds(0, 4)
+            << ModelTesters::Departures{ModelTesters::WindowRowsAfterChange};
+        QTest::newRow("the current row") << 3 << 3 << QStringList() << 3 << rowIds(3, 4)
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
     }
 
     void firstRow()
@@ -122,6 +136,8 @@ private slots:
         QFETCH(QStringList, expectedLog);
         QFETCH(int, expectedFirst);
         QFETCH(QStringList, expectedIds);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(startRow);
@@ -138,6 +154,7 @@ private slots:
 
     void firstRowOnAnEmptySource()
     {
+        ModelTesters::expect(ModelTesters::WindowChangesPastItsRows);
         ModelPtr source(makeSource(0));
         PartialModel* partial = window(source.get(), 4);
         SignalLog log(partial);
@@ -150,6 +167,7 @@ private slots:
 
     void firstRowAsAProperty()
     {
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         QVERIFY(source->setProperty("firstPartialModelRow", 5));
@@ -176,6 +194,7 @@ private slots:
         QFETCH(int, newCount);
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedIds);
+        ModelTesters::expect(ModelTesters::WindowRowsAfterChange);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         SignalLog log(partial);
@@ -186,6 +205,7 @@ private slots:
 
     void countWhileTheFirstRowIsPastTheEnd()
     {
+        ModelTesters::expect({ModelTesters::WindowRowsAfterChange, ModelTesters::WindowNegativeCount});
         // Given a window whose first row the shrinking source left behind
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
@@ -219,6 +239,7 @@ private slots:
         QFETCH(int, row);
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedIds);
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(3);
@@ -246,6 +267,7 @@ private slots:
         QFETCH(QString, id);
         QFETCH(QStringList, expectedLog);
         QFETCH(QStringList, expectedIds);
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(first);
@@ -259,6 +281,7 @@ private slots:
 
     void sourceClearedUnderTheWindow()
     {
+        ModelTesters::expect({ModelTesters::WindowNegativeCount, ModelTesters::ListLoadAfterChange});
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(3);
@@ -277,16 +300,23 @@ private slots:
         QTest::addColumn<int>("top");
         QTest::addColumn<int>("bottom");
         QTest::addColumn<QStringList>("expectedLog");
+        QTest::addColumn<ModelTesters::Departures>("departures");
         // 10 source rows, window of 4 over source rows 2..5: one notice per row.
-        QTest::newRow("inside") << 3 << 3 << QStringList(changed(1, 1));
-        QTest::newRow("before") << 0 << 1 << QStringList();
-        QTest::newRow("after") << 6 << 9 << QStringList();
-        QTest::newRow("across the start") << 0 << 3 << QStringList({changed(0, 0), changed(1, 1)});
-        QTest::newRow("reversed") << 5 << 3 << QStringList();
+        QTest::newRow("inside") << 3 << 3 << QStringList(changed(1, 1))
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
+        QTest::newRow("before") << 0 << 1 << QStringList()
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
+        QTest::newRow("after") << 6 << 9 << QStringList()
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
+        QTest::newRow("across the start") << 0 << 3 << QStringList({changed(0, 0), changed(1, 1)})
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
+        QTest::newRow("reversed") << 5 << 3 << QStringList()
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount};
         // Rows just past the window are reported under window rows 4 and 5.
         QTest::newRow("across the end") << 3 << 7
                                         << QStringList({changed(1, 1), changed(2, 2), changed(3, 3), changed(4, 4),
-                                                        changed(5, 5)});
+                                                        changed(5, 5)})
+            << ModelTesters::Departures{ModelTesters::WindowNegativeCount, ModelTesters::WindowChangesPastItsRows};
     }
 
     void sourceDataChanges()
@@ -294,6 +324,8 @@ private slots:
         QFETCH(int, top);
         QFETCH(int, bottom);
         QFETCH(QStringList, expectedLog);
+        QFETCH(ModelTesters::Departures, departures);
+        ModelTesters::expect(departures);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(2);
@@ -304,6 +336,7 @@ private slots:
 
     void itemChangeReachesTheWindow()
     {
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(2);
@@ -317,6 +350,7 @@ private slots:
 
     void lookupsAnswerInSourceTerms()
     {
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(makeSource(10));
         PartialModel* partial = window(source.get(), 4);
         source->SetFirstPartialModelRow(2);
@@ -334,7 +368,9 @@ private slots:
 
     void withoutSource()
     {
+        ModelTesters::expect(ModelTesters::WindowRowsAfterChange);
         PartialModel partial(nullptr, nullptr);
+        ModelTesters::watch(&partial);
         SignalLog log(&partial);
         QCOMPARE(partial.rowCount(), 0);
         partial.SetPartialModelCount(3);
@@ -352,21 +388,25 @@ private slots:
 
     void resetAndLayoutAreRelayed()
     {
+        ModelTesters::expect(ModelTesters::ViewsForwardLoneEnds);
         ModelPtr source(makeSource(5));
         PartialModel* partial = window(source.get(), 2);
         SignalLog log(partial);
         source->MoveRow(0, 4);
         QCOMPARE(log.take(), QStringList({"modelReset()"}));
         QCOMPARE(shownIds(partial), QStringList({"r1", "r2"}));
+        QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutAboutToBeChanged"));
         QVERIFY(QMetaObject::invokeMethod(source.get(), "layoutChanged"));
         QCOMPARE(log.take(), QStringList({"layoutChanged()"}));
     }
 
     void windowOverAPagingView()
     {
+        ModelTesters::expect(ModelTesters::PagingRowsAfterChange);
         // Given page 1 of 25 rows at 10 per page, and a window of 3 from its row 2
         ModelPtr source(makeSource(25));
-        std::unique_ptr<XOLATreeModel> paging(qobject_cast<XOLATreeModel*>(source->GetPagingModel(10)));
+        std::unique_ptr<XOLATreeModel> paging(
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetPagingModel(10))));
         paging->setPage(1);
         PartialModel* partial = window(paging.get(), 3);
         paging->SetFirstPartialModelRow(2);
@@ -383,6 +423,7 @@ private slots:
 
     void windowOverAGroupView()
     {
+        ModelTesters::expect(ModelTesters::WindowNegativeCount);
         ModelPtr source(createModel(0, extendedRoleNames()));
         QList<XOLATreeItem*> list;
         for (int i = 0; i < 6; ++i) {
@@ -390,8 +431,9 @@ private slots:
             member->setExtra(ValueItem::GroupRole, QStringLiteral("g%1").arg(i));
             list << member;
         }
-        source->AppendItemsList(list);
-        std::unique_ptr<XOLATreeModel> groups(qobject_cast<XOLATreeModel*>(source->GetGroupModel(ValueItem::GroupRole)));
+        appendEach(source.get(), list);
+        std::unique_ptr<XOLATreeModel> groups(
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetGroupModel(ValueItem::GroupRole))));
         PartialModel* partial = window(groups.get(), 2);
         groups->SetFirstPartialModelRow(3);
         QCOMPARE(shownIds(partial), QStringList({"g3", "g4"}));
@@ -405,14 +447,15 @@ private slots:
 
     void windowOverAFilterView()
     {
+        ModelTesters::expect({ModelTesters::FilterEntryAfterChange, ModelTesters::WindowNegativeCount});
         auto match = [](const QObject* object, const QVariant& rule) {
             auto* item = qobject_cast<const XOLATreeItem*>(object);
             return item && item->id().startsWith(rule.toString());
         };
         ModelPtr source(createModel(0, extendedRoleNames(), nullptr, match));
-        source->AppendItemsList(items({"a0", "b0", "a1", "a2", "b1", "a3"}));
+        appendEach(source.get(), items({"a0", "b0", "a1", "a2", "b1", "a3"}));
         std::unique_ptr<XOLATreeModel> filter(
-            qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("a"))));
+            ModelTesters::watch(qobject_cast<XOLATreeModel*>(source->GetFilterModelByUserDefinedRules(QVariant("a")))));
         QVERIFY(filter);
         PartialModel* partial = window(filter.get(), 2);
         filter->SetFirstPartialModelRow(1);
