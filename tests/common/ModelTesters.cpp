@@ -526,3 +526,15 @@ QString ModelTesters::name(Departure departure)
 }
 
 #include "ModelTesters.moc"
+
+void ModelTesterSuite::init()
+{
+    ModelTesters::startCase();
+}
+
+void ModelTesterSuite::cleanup()
+{
+    TestSupport::flushDeferredDeletes();
+    const QString findings = ModelTesters::finishCase();
+    QVERIFY2(findings.isEmpty(), qPrintable(findings));
+}

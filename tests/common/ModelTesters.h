@@ -4,20 +4,14 @@
 #include <QtCore/QAbstractItemModel>
 #include <QtCore/QList>
 #include <QtCore/QMetaType>
+#include <QtCore/QObject>
 #include <QtCore/QString>
 
 /*!
  * Qt's model tester (QAbstractItemModelTester) on every model and view a test
  * case builds, for the whole case, as KDE's and Qt's own item-model tests have
- * it. A suite opens the case in init() and closes it in cleanup():
- *
- *     void init() { ModelTesters::startCase(); }
- *     void cleanup()
- *     {
- *         flushDeferredDeletes();
- *         const QString findings = ModelTesters::finishCase();
- *         QVERIFY2(findings.isEmpty(), qPrintable(findings));
- *     }
+ * it. A suite derives from ModelTesterSuite, which opens each case in init()
+ * and judges it in cleanup().
  *
  * While a case is open, TestSupport::createModel() watches every model it
  * makes; views, and models made any other way, are watched with watch(). A
@@ -127,5 +121,19 @@ private:
 };
 
 Q_DECLARE_METATYPE(ModelTesters::Departures)
+
+/*!
+ * The base of a suite whose cases run under the model testers: each case is
+ * opened before it runs and judged after it, once the deferred deletions ran.
+ * QtTest finds init() and cleanup() here by name.
+ */
+class ModelTesterSuite : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+};
 
 #endif // TESTS_MODELTESTERS_H

@@ -6,19 +6,11 @@
 #include <QtQml/QQmlEngine>
 #include <QtTest/QtTest>
 
-class TestXOLATreeItem : public QObject
+class TestXOLATreeItem : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        TestSupport::flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void construction_storesFieldsAndMirrorsThem()
     {
         // Given a child model

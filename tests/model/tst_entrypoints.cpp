@@ -9,19 +9,11 @@
 
 using namespace TestSupport;
 
-class TestEntryPoints : public QObject
+class TestEntryPoints : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        TestSupport::flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void create_nullOutPointerFails()
     {
         QVERIFY(!CreateXOLATreeModel(nullptr, nullptr, {}, 0, nullptr, nullptr));

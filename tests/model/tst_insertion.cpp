@@ -54,19 +54,11 @@ QString dataChanged(int first, int last)
 
 } // namespace
 
-class TestInsertion : public QObject
+class TestInsertion : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     // ---- new rows ------------------------------------------------------------
 
     void appendItem_newRow_data()

@@ -115,19 +115,11 @@ public:
 
 } // namespace
 
-class TestListOperations : public QObject
+class TestListOperations : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     // ---- AppendItemsList -------------------------------------------------------
 
     void appendItemsList_data()

@@ -11,19 +11,11 @@
 
 using namespace TestSupport;
 
-class TestQmlHost : public QObject
+class TestQmlHost : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        TestSupport::flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void documentReadsTheHostsModel()
     {
         // Given a model filled by the host

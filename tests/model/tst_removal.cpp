@@ -119,19 +119,11 @@ struct TreeFixture {
 
 } // namespace
 
-class TestRemoval : public QObject
+class TestRemoval : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     // ---- RemoveAll ------------------------------------------------------------------
 
     void removeAll_emptyModelSendsNothing()

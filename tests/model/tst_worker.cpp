@@ -134,19 +134,11 @@ int alive(const QList<QPointer<XOLATreeItem>>& list)
 
 } // namespace
 
-class TestWorker : public QObject
+class TestWorker : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     // ---- the worker itself -------------------------------------------------------------
 
     void workerHasExactlyTheEightSlots()

@@ -9,7 +9,7 @@
 
 using namespace TestSupport;
 
-class TestXOLATreeModel : public QObject
+class TestXOLATreeModel : public ModelTesterSuite
 {
     Q_OBJECT
 
@@ -31,14 +31,6 @@ private:
     }
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        TestSupport::flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void rowCountAndData()
     {
         Tree t;

@@ -76,19 +76,11 @@ XOLATreeItem* valueItem(const QString& id, int value)
 
 Q_DECLARE_METATYPE(Operation)
 
-class tst_Selections : public QObject
+class tst_Selections : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void followSorts_data()
     {
         QTest::addColumn<Operation>("operation");

@@ -36,20 +36,12 @@ const QStringList kScriptSortLog{"dataChanged(0,3)", "layoutChanged()", "modelRe
 
 } // namespace
 
-class TestSortByFunction : public QObject
+class TestSortByFunction : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void qmlFunction_data();
     void qmlFunction();
     void qmlNameForm();

@@ -56,19 +56,11 @@ PF_LESS_THAN constantLess(bool answer)
 
 } // namespace
 
-class TestSortByRole : public QObject
+class TestSortByRole : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void ordersRows_data();
     void ordersRows();
     void nameFormResolvesRole();

@@ -100,19 +100,11 @@ struct Tree
 
 } // namespace
 
-class TestSortByRules : public QObject
+class TestSortByRules : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void ordersRows_data();
     void ordersRows();
     void emitsOneDataChanged();

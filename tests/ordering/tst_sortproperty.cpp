@@ -223,19 +223,11 @@ struct RuleReferenceKey
 
 } // namespace
 
-class TestSortProperty : public QObject
+class TestSortProperty : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void callerComparisonMatchesMultiInsertion_data();
     void callerComparisonMatchesMultiInsertion();
     void sequenceRandomComparisonMatchesMultiInsertion();

@@ -93,14 +93,11 @@ void addPaddingRows()
 
 } // namespace
 
-class TestFilterModel : public QObject
+class TestFilterModel : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void construction_withoutArgumentsListsEverything();
     void construction_listsPassingItemsInSourceOrder();
     void construction_withoutSource();
@@ -162,18 +159,6 @@ private slots:
 
     void benchmark_wholeRangeChange();
 };
-
-void TestFilterModel::init()
-{
-    ModelTesters::startCase();
-}
-
-void TestFilterModel::cleanup()
-{
-    TestSupport::flushDeferredDeletes();
-    const QString findings = ModelTesters::finishCase();
-    QVERIFY2(findings.isEmpty(), qPrintable(findings));
-}
 
 // ---- construction -------------------------------------------------------------------
 

@@ -76,19 +76,11 @@ const char* const kOperatorNames[8] = {"Eq", "Ne", "Ge", "Gt", "Le", "Lt", "SubS
 
 } // namespace
 
-class TestFilterRules : public QObject
+class TestFilterRules : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        TestSupport::flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void operators_formatOne_data();
     void operators_formatOne();
     void substring_data();

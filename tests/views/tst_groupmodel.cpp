@@ -118,19 +118,11 @@ QStringList groupAdded(int row)
 
 } // namespace
 
-class TestGroupModel : public QObject
+class TestGroupModel : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void groupsFollowFirstAppearanceOfTheirKey()
     {
         // Given items valued b, a, b, c

@@ -64,19 +64,11 @@ QString changed(int first, int last)
 
 } // namespace
 
-class TestPagingModel : public QObject
+class TestPagingModel : public ModelTesterSuite
 {
     Q_OBJECT
 
 private slots:
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void pages_data()
     {
         QTest::addColumn<int>("sourceRows");

@@ -66,7 +66,7 @@ const QString countChanged = QStringLiteral("rowCountChanged()");
 
 } // namespace
 
-class TestPartialModel : public QObject
+class TestPartialModel : public ModelTesterSuite
 {
     Q_OBJECT
 
@@ -74,14 +74,6 @@ private slots:
     // A window left past row 0 when its source goes counts below zero while the
     // source empties on its way out: the cases that leave it there declare
     // WindowNegativeCount for that alone.
-    void init() { ModelTesters::startCase(); }
-    void cleanup()
-    {
-        flushDeferredDeletes();
-        const QString findings = ModelTesters::finishCase();
-        QVERIFY2(findings.isEmpty(), qPrintable(findings));
-    }
-
     void windowOverTheSource()
     {
         ModelTesters::expect(ModelTesters::WindowRowsAfterChange);
