@@ -1,5 +1,6 @@
 #include "ModelTesters.h"
 
+#include "FlatProxy.h"
 #include "TestSupport.h"
 
 #include <QtCore/QCoreApplication>
@@ -88,42 +89,6 @@ bool explains(const DepartureInfo& info, const QString& kind, const QString& che
 
 // ---- what the testers see ---------------------------------------------------------
 
-//! An identity proxy whose rows have no children and whose display text is the
-//! row's id.
-class FlatProxy : public QIdentityProxyModel
-{
-public:
-    explicit FlatProxy(QAbstractItemModel* source)
-    {
-        setSourceModel(source);
-        const QHash<int, QByteArray> names = source->roleNames();
-        for (auto it = names.constBegin(); it != names.constEnd(); ++it) {
-            if (it.value() == "idRole" && (m_idRole == 0 || it.key() < m_idRole))
-                m_idRole = it.key();
-        }
-        if (m_idRole == 0)
-            m_idRole = Qt::UserRole + 1;
-    }
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : QIdentityProxyModel::rowCount(parent);
-    }
-    bool hasChildren(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? false : QIdentityProxyModel::hasChildren(parent);
-    }
-    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? QModelIndex() : QIdentityProxyModel::index(row, column, parent);
-    }
-    QVariant data(const QModelIndex& index, int role) const override
-    {
-        return QIdentityProxyModel::data(index, role == Qt::DisplayRole ? m_idRole : role);
-    }
-
-private:
-    int m_idRole = 0;
-};
 
 //! What stands between the parenthesis at open and the one that closes it.
 QString balancedAfter(const QString& text, int open)

@@ -34,6 +34,7 @@
 //    lets a fresh tester walk the whole model.
 
 #include "FilterModelImp.h"
+#include "FlatProxy.h"
 #include "GroupModelImp.h"
 #include "PagingModelImp.h"
 #include "PartialModel.h"
@@ -60,27 +61,6 @@ namespace {
 const int ValueRole = ValueItem::ValueRole;
 const int GroupRole = ValueItem::GroupRole;
 
-//! An identity proxy whose rows have no children.
-class FlatProxy : public QIdentityProxyModel
-{
-public:
-    explicit FlatProxy(QAbstractItemModel* source)
-    {
-        setSourceModel(source);
-    }
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : QIdentityProxyModel::rowCount(parent);
-    }
-    bool hasChildren(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? false : QIdentityProxyModel::hasChildren(parent);
-    }
-    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? QModelIndex() : QIdentityProxyModel::index(row, column, parent);
-    }
-};
 
 ValueItem* member(const QString& id, int value, const QString& group)
 {
