@@ -3,7 +3,7 @@
 // comparison files of the function sorts, and the items' own values.
 //
 // The input is read as JSON and converted the way QML hands values over
-// (toVariant). Input that is no JSON is decoded byte by byte into JSON-like
+// (toVariant). Input that is no JSON (as a strict reader judges it) is decoded byte by byte into JSON-like
 // values instead, so that short inputs still reach the library. When the input
 // ends in whitespace (which JSON allows), the strings "NaN", "Infinity" and
 // "-Infinity" in it become those doubles: JSON itself cannot spell them.
@@ -37,6 +37,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <string>
 
 namespace {
 
@@ -212,6 +213,206 @@ const QStringList& vocabulary()
 }
 
 /*!
+ * A strict reader of JSON's grammar that only says yes or no. Qt 5.15's parser
+ * loses the containers it had begun when it meets an error inside them, so
+ * only input this reader accepts is handed to it: a top-level array or object,
+ * well-formed UTF-8 with no control characters in strings, no escaped
+ * surrogates, numbers short enough to be finite doubles, and shallow nesting.
+ * It refuses more than Qt does; what it refuses goes the byte-by-byte way.
+ */
+class JsonShape
+{
+public:
+    JsonShape(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {}
+
+    bool wellFormed()
+    {
+        skipSpace();
+        if (m_position >= m_size || (m_data[m_position] != '[' && m_data[m_position] != '{'))
+            return false;
+        if (!value(0))
+            return false;
+        skipSpace();
+        return m_position == m_size;
+    }
+
+private:
+    static const int kDeepest = 32;
+
+    int peek() const { return m_position < m_size ? m_data[m_position] : -1; }
+    void skipSpace()
+    {
+        while (m_position < m_size) {
+            const std::uint8_t c = m_data[m_position];
+            if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
+                return;
+            ++m_position;
+        }
+    }
+    bool literal(const char* word)
+    {
+        for (; *word; ++word, ++m_position) {
+            if (peek() != std::uint8_t(*word))
+                return false;
+        }
+        return true;
+    }
+    int digits(int most)
+    {
+        int count = 0;
+        while (peek() >= '0' && peek() <= '9') {
+            ++m_position;
+            if (++count > most)
+                return -1;
+        }
+        return count;
+    }
+    bool number()
+    {
+        const std::size_t start = m_position;
+        if (peek() == '-')
+            ++m_position;
+        if (peek() == '0')
+            ++m_position;
+        else if (digits(40) <= 0)
+            return false;
+        if (peek() == '.') {
+            ++m_position;
+            if (digits(40) <= 0)
+                return false;
+        }
+        if (peek() == 'e' || peek() == 'E') {
+            ++m_position;
+            if (peek() == '+' || peek() == '-')
+                ++m_position;
+            if (digits(3) <= 0)
+                return false;
+        }
+        // Qt refuses a number that overflows or underflows to zero.
+        const std::string text(reinterpret_cast<const char*>(m_data) + start, m_position - start);
+        const double parsed = std::strtod(text.c_str(), nullptr);
+        if (!std::isfinite(parsed))
+            return false;
+        const std::size_t mantissaEnd = text.find_first_of("eE");
+        const bool nonZero = text.substr(0, mantissaEnd).find_first_of("123456789") != std::string::npos;
+        return parsed != 0.0 || !nonZero;
+    }
+    static bool hexDigit(int c)
+    {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    }
+    bool escape()
+    {
+        const int c = peek();
+        ++m_position;
+        switch (c) {
+        case '"': case '\\': case '/': case 'b': case 'f': case 'n': case 'r': case 't':
+            return true;
+        case 'u': {
+            int code = 0;
+            for (int i = 0; i < 4; ++i, ++m_position) {
+                const int h = peek();
+                if (!hexDigit(h))
+                    return false;
+                code = code * 16 + (h <= '9' ? h - '0' : (h | 0x20) - 'a' + 10);
+            }
+            return code < 0xD800 || code > 0xDFFF;
+        }
+        default:
+            return false;
+        }
+    }
+    // One UTF-8 sequence after its lead byte: no overlong forms, no surrogates,
+    // nothing above U+10FFFF.
+    bool multiByte(std::uint8_t lead)
+    {
+        int more = 0;
+        std::uint32_t code = 0;
+        if (lead >= 0xC2 && lead <= 0xDF) { more = 1; code = lead & 0x1F; }
+        else if (lead >= 0xE0 && lead <= 0xEF) { more = 2; code = lead & 0x0F; }
+        else if (lead >= 0xF0 && lead <= 0xF4) { more = 3; code = lead & 0x07; }
+        else return false;
+        const int total = more;
+        for (; more > 0; --more, ++m_position) {
+            const int c = peek();
+            if (c < 0x80 || c > 0xBF)
+                return false;
+            code = (code << 6) | std::uint32_t(c & 0x3F);
+        }
+        if ((total == 2 && code < 0x800) || (total == 3 && code < 0x10000) || code > 0x10FFFF)
+            return false;
+        return code < 0xD800 || code > 0xDFFF;
+    }
+    bool string()
+    {
+        ++m_position; // the opening quote
+        for (;;) {
+            const int c = peek();
+            if (c < 0x20)
+                return false; // the end of the input, or a control character
+            ++m_position;
+            if (c == '"')
+                return true;
+            if (c == '\\') {
+                if (!escape())
+                    return false;
+            } else if (c >= 0x80 && !multiByte(std::uint8_t(c))) {
+                return false;
+            }
+        }
+    }
+    bool members(int depth, char close, bool keyed)
+    {
+        ++m_position; // the opening bracket
+        skipSpace();
+        if (peek() == close) {
+            ++m_position;
+            return true;
+        }
+        for (;;) {
+            if (keyed) {
+                if (peek() != '"' || !string())
+                    return false;
+                skipSpace();
+                if (peek() != ':')
+                    return false;
+                ++m_position;
+                skipSpace();
+            }
+            if (!value(depth + 1))
+                return false;
+            skipSpace();
+            if (peek() == close) {
+                ++m_position;
+                return true;
+            }
+            if (peek() != ',')
+                return false;
+            ++m_position;
+            skipSpace();
+        }
+    }
+    bool value(int depth)
+    {
+        if (depth > kDeepest)
+            return false;
+        switch (peek()) {
+        case '[': return members(depth, ']', false);
+        case '{': return members(depth, '}', true);
+        case '"': return string();
+        case 't': return literal("true");
+        case 'f': return literal("false");
+        case 'n': return literal("null");
+        default: return number();
+        }
+    }
+
+    const std::uint8_t* m_data;
+    std::size_t m_size;
+    std::size_t m_position = 0;
+};
+
+/*!
  * Turns bytes that are no JSON into JSON-like values: each value starts with a
  * tag byte that says what follows. Rule-shaped maps are tags of their own, so
  * that a few bytes already make a rule list.
@@ -372,9 +573,10 @@ QVariant withSpecialDoubles(const QVariant& value, int depth)
 QVariant decode(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data), int(size));
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     QVariant tree;
+    QJsonParseError error{};
+    const QJsonDocument document = JsonShape(data, size).wellFormed()
+        ? QJsonDocument::fromJson(bytes, &error) : QJsonDocument();
     if (error.error == QJsonParseError::NoError && !document.isNull())
         tree = document.toVariant();
     else
