@@ -105,6 +105,8 @@ void FilterModelImp::Initial()
     MetaConnect::connect(source, "layoutChanged()", this, "layoutChanged()");
 
     if (QList<XOLATreeItem*>* sourceItems = source->GetModelItemList()) {
+        // One relay per source item: sized once rather than grown step by step.
+        m_childRelays.reserve(sourceItems->size());
         for (XOLATreeItem* item : qAsConst(*sourceItems)) {
             if (item)
                 followChildModel(item);

@@ -5,6 +5,7 @@
 #include "VariantRules.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QVector>
 
 GroupModelImp::GroupModelImp(IXOLATreeModel* source, int role, bool keepSortWithSource)
     // Option 1 only: the QML engine owns the view, and group items leaving it are
@@ -123,22 +124,36 @@ void GroupModelImp::GenGroupModel(int role)
 
     // Keyed lookup while building: a source with many keys must not cost a scan
     // of the groups per item.
-    QHash<QString, XOLATreeModel*> members;
+    struct Members
+    {
+        XOLATreeModel* model;
+        QList<XOLATreeItem*> items;
+    };
+    QHash<QString, int> groupOfKey;
+    QVector<Members> members;
     QList<XOLATreeItem*> groups;
-    for (int row = 0; row < m_sourceModel->rowCount(); ++row) {
+    const int sourceRows = m_sourceModel->rowCount();
+    for (int row = 0; row < sourceRows; ++row) {
         auto* item = qobject_cast<XOLATreeItem*>(m_sourceModel->FindItem(row));
         if (!item)
             continue;
         const QString key = VariantRules::toString(item->getData(role));
-        XOLATreeModel*& member = members[key];
-        if (!member) {
-            member = newMemberModel();
+        auto group = groupOfKey.find(key);
+        if (group == groupOfKey.end()) {
+            XOLATreeModel* member = newMemberModel();
+            group = groupOfKey.insert(key, members.size());
+            members.append(Members{member, {}});
             groups << newGroupItem(key, member);
         }
-        member->AppendItem(item);
+        members[*group].items.append(item);
         // Rows arrive in ascending order: appending at the end is the cheap insert.
         m_rowGroups.insert(m_rowGroups.constEnd(), row, qMakePair(item->id(), QVariant(key)));
     }
+    // Each member model is new and not yet listed, so nothing watches it: its
+    // items go in as one list. Member models never merge ids, so every item is
+    // listed, in source order, exactly as one append per item would list it.
+    for (const Members& member : qAsConst(members))
+        member.model->AppendItemsList(member.items);
     // One notice for all groups, in order of first appearance of their key.
     AppendItemsList(groups);
 }
