@@ -4,6 +4,9 @@
 #
 #   scripts/fuzz.sh [5|6] [seconds]    Qt major (default 5), seconds per target (default 60)
 #
+# XOLA_FUZZ_SEED=N starts libFuzzer's mutations from seed N (the test command
+# fixes one); without it every run draws its own.
+#
 # Everything a run writes stays in the build folder (build-fuzz for Qt 5,
 # build-fuzz-qt6 for Qt 6), under fuzz-run/<target>/: the grown corpus, the
 # artifacts and the log. An input that crashes a target, breaks an invariant,
@@ -74,6 +77,7 @@ for target in "${targets[@]}"; do
   options=(-max_total_time="$seconds" -timeout=30 -print_final_stats=1
            -artifact_prefix="$work/artifacts/")
   [ -f "fuzz/$target.dict" ] && options+=(-dict="fuzz/$target.dict")
+  [ -n "${XOLA_FUZZ_SEED:-}" ] && options+=(-seed="$XOLA_FUZZ_SEED")
   echo "== fuzz_$target for $seconds s from $seeds inputs"
   status=0
   began=$(date +%s)
