@@ -387,4 +387,13 @@ bool skipOverBudget(benchmark::State& state, const std::string& family, int n)
     return true;
 }
 
+double timedProxySort(QSortFilterProxyModel& proxy, QAbstractItemModel& source, int role)
+{
+    proxy.setSortRole(role);
+    proxy.setSourceModel(&source);
+    Stopwatch watch;
+    proxy.sort(0, Qt::AscendingOrder);
+    return watch.seconds();
+}
+
 } // namespace bench

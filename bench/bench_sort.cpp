@@ -87,11 +87,7 @@ void sortProxy(benchmark::State& state, int n, double& total, int& iterations, i
     RowListModel list(rows(n));
     for (auto _ : state) {
         QScopedPointer<QSortFilterProxyModel> proxy(role ? new QSortFilterProxyModel : new TwoKeyProxy);
-        proxy->setSortRole(role ? role : int(GroupRole));
-        proxy->setSourceModel(&list);
-        Stopwatch watch;
-        proxy->sort(0, Qt::AscendingOrder);
-        const double t = watch.seconds();
+        const double t = timedProxySort(*proxy, list, role ? role : int(GroupRole));
         state.SetIterationTime(t);
         total += t;
         ++iterations;
