@@ -81,6 +81,20 @@ void clearFloor(Floor& floor)
     flushDeferredDeletes();
 }
 
+// Records the timed step, checks the rows the floor ended with, then clears it
+// untimed for the next iteration.
+void finishIteration(benchmark::State& state, const Stopwatch& watch, double& total, int& iterations,
+                     Floor& floor, int n)
+{
+    const double t = watch.seconds();
+    state.SetIterationTime(t);
+    total += t;
+    ++iterations;
+    if (floor.rows.size() != n)
+        state.SkipWithError("floor holds the wrong rows");
+    clearFloor(floor);
+}
+
 void loadFloorTimed(benchmark::State& state, int n, double& total, int& iterations)
 {
     const QVector<Row>& data = rows(n);
@@ -88,13 +102,7 @@ void loadFloorTimed(benchmark::State& state, int n, double& total, int& iteratio
         Floor floor;
         Stopwatch watch;
         loadFloor(floor, data);
-        const double t = watch.seconds();
-        state.SetIterationTime(t);
-        total += t;
-        ++iterations;
-        if (floor.rows.size() != n)
-            state.SkipWithError("floor holds the wrong rows");
-        clearFloor(floor);
+        finishIteration(state, watch, total, iterations, floor, n);
     }
 }
 
@@ -131,13 +139,7 @@ void replaceFloorTimed(benchmark::State& state, int n, double& total, int& itera
         floor.byId.reserve(n);
         for (FloorRow* object : qAsConst(replacement))
             listFloorRow(floor, object);
-        const double t = watch.seconds();
-        state.SetIterationTime(t);
-        total += t;
-        ++iterations;
-        if (floor.rows.size() != n)
-            state.SkipWithError("floor holds the wrong rows");
-        clearFloor(floor);
+        finishIteration(state, watch, total, iterations, floor, n);
     }
 }
 
