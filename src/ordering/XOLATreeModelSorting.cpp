@@ -12,6 +12,7 @@
 #include "XOLATreeModel.h"
 
 #include "MultiInsertionTree.h"
+#include "RadixSort.h"
 #include "XOLATreeModelPrivate.h"
 #include "MyVariant.h"
 #include "MyVariantEx.h"
@@ -33,6 +34,7 @@
 #include <QtQml/QQmlEngine>
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -44,14 +46,6 @@ struct ValuedItem
     XOLATreeItem* item;
 };
 
-// The rows split into those with a value for the role, in row order, and those
-// without one, which always go last in their previous order.
-struct RoleValues
-{
-    QVector<ValuedItem> valued;
-    QList<XOLATreeItem*> invalid;
-};
-
 // Rows whose value equals an invalid variant go last.
 bool isInvalidValue(const QVariant& value)
 {
@@ -59,20 +53,6 @@ bool isInvalidValue(const QVariant& value)
     // only other types need QVariant's (costly) equality test.
     return !value.isValid()
         || (!MyVariant::isComparableType(value.userType()) && VariantRules::equals(value, QVariant()));
-}
-
-RoleValues readRoleValues(const QList<XOLATreeItem*>& items, int role)
-{
-    RoleValues result;
-    result.valued.reserve(items.size());
-    for (XOLATreeItem* item : items) {
-        QVariant value = item ? item->getData(role) : QVariant();
-        if (isInvalidValue(value))
-            result.invalid.append(item);
-        else
-            result.valued.append(ValuedItem{std::move(value), item});
-    }
-    return result;
 }
 
 // The general path: a real multi-insertion, which gives the required order for
@@ -104,31 +84,55 @@ QList<XOLATreeItem*> rowByRowOrder(const QList<XOLATreeItem*> items, int role, M
     return map.values() + invalid;
 }
 
+// The rows in the order of their keys, then the rows without a value. The
+// list is copied from the rows once and overwritten, which is cheaper than
+// appending pointer by pointer.
+template <typename T>
+QList<XOLATreeItem*> listInOrder(const QList<XOLATreeItem*>& rows,
+                                 const std::vector<std::pair<T, XOLATreeItem*>>& entries,
+                                 const QList<XOLATreeItem*>& invalid)
+{
+    Q_ASSERT(int(entries.size()) + invalid.size() == rows.size());
+    QList<XOLATreeItem*> result = rows;
+    result.detach();
+    auto out = result.begin();
+    for (const auto& entry : entries)
+        *out++ = entry.second;
+    for (XOLATreeItem* item : invalid)
+        *out++ = item;
+    return result;
+}
+
 // For a comparison that is a strict weak order, multi-insertion places every new
 // key after the keys that precede it and, ascending, before the equal ones
 // (equal rows come out reversed) or, descending, after the equal ones (they keep
 // their order). A stable sort of the reversed input ascending, or of the input
-// descending, gives exactly that order.
-template <typename T, typename Extract, typename Less>
-QList<XOLATreeItem*> stableOrder(const QVector<ValuedItem>& valued, bool ascending, Extract extract, Less less)
+// descending, gives exactly that order. entries are in row order.
+template <typename T, typename Less>
+void stableSortEntries(std::vector<std::pair<T, XOLATreeItem*>>& entries, bool ascending, Less less)
 {
-    std::vector<std::pair<T, XOLATreeItem*>> entries;
-    entries.reserve(size_t(valued.size()));
     if (ascending) {
-        for (int i = valued.size() - 1; i >= 0; --i)
-            entries.emplace_back(extract(valued.at(i).value), valued.at(i).item);
+        std::reverse(entries.begin(), entries.end());
         std::stable_sort(entries.begin(), entries.end(),
                          [&less](const std::pair<T, XOLATreeItem*>& a, const std::pair<T, XOLATreeItem*>& b) {
                              return less(a.first, b.first);
                          });
     } else {
-        for (const ValuedItem& entry : valued)
-            entries.emplace_back(extract(entry.value), entry.item);
         std::stable_sort(entries.begin(), entries.end(),
                          [&less](const std::pair<T, XOLATreeItem*>& a, const std::pair<T, XOLATreeItem*>& b) {
                              return less(b.first, a.first);
                          });
     }
+}
+
+template <typename T, typename Extract, typename Less>
+QList<XOLATreeItem*> stableOrder(const QVector<ValuedItem>& valued, bool ascending, Extract extract, Less less)
+{
+    std::vector<std::pair<T, XOLATreeItem*>> entries;
+    entries.reserve(size_t(valued.size()));
+    for (const ValuedItem& entry : valued)
+        entries.emplace_back(extract(entry.value), entry.item);
+    stableSortEntries(entries, ascending, less);
     QList<XOLATreeItem*> result;
     result.reserve(int(entries.size()));
     for (const auto& entry : entries)
@@ -207,6 +211,167 @@ QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascend
     }
 }
 
+// Reads each row's value once, in row order, setting aside the rows without
+// one.
+class RoleReader
+{
+public:
+    RoleReader(const QList<XOLATreeItem*>& items, int role)
+        : m_items(items)
+        , m_role(role)
+    {
+    }
+
+    //! The next row and its value, with or without one; false when every
+    //! row has been read.
+    bool nextRow(QVariant& value, XOLATreeItem*& item)
+    {
+        if (m_next == m_items.size())
+            return false;
+        item = m_items.at(m_next++);
+        value = item ? item->getData(m_role) : QVariant();
+        return true;
+    }
+    //! The next row with a value; false when every row has been read.
+    bool next(QVariant& value, XOLATreeItem*& item)
+    {
+        while (nextRow(value, item)) {
+            if (!isInvalidValue(value))
+                return true;
+            setAside(item);
+        }
+        return false;
+    }
+    //! A row without a value: it goes last.
+    void setAside(XOLATreeItem* item) { m_invalid.append(item); }
+    int remaining() const { return m_items.size() - m_next; }
+    int position() const { return m_next; }
+    //! Rows before row have been read by the caller.
+    void moveTo(int row) { m_next = row; }
+    int role() const { return m_role; }
+    const QList<XOLATreeItem*>& rows() const { return m_items; }
+    const QList<XOLATreeItem*>& invalid() const { return m_invalid; }
+
+    //! The order of the built-in comparison for the values read from here on,
+    //! after the ones already read.
+    QList<XOLATreeItem*> orderOfTheRest(QVector<ValuedItem>& valued, bool ascending)
+    {
+        QVariant value;
+        XOLATreeItem* item = nullptr;
+        while (next(value, item))
+            valued.append(ValuedItem{std::move(value), item});
+        return builtInOrder(valued, ascending) + m_invalid;
+    }
+
+private:
+    const QList<XOLATreeItem*>& m_items;
+    const int m_role;
+    int m_next = 0;
+    QList<XOLATreeItem*> m_invalid;
+};
+
+template <typename T>
+bool isNaNValue(const T&)
+{
+    return false;
+}
+
+template <>
+bool isNaNValue<double>(const double& value)
+{
+    return qIsNaN(value);
+}
+
+// The built-in order when the first value is of type T: keys go straight into
+// the stable sort while every value has that type, as builtInOrder would sort
+// them. The first value of another type (or a NaN) sends all the values to
+// builtInOrder, which then takes its general path.
+template <typename T, typename Less>
+QList<XOLATreeItem*> typedRoleOrder(RoleReader& reader, const QVariant& first, XOLATreeItem* firstItem,
+                                    bool ascending, Less less)
+{
+    const int type = first.userType();
+    std::vector<std::pair<T, XOLATreeItem*>> entries;
+    entries.reserve(size_t(reader.remaining()) + 1);
+    entries.emplace_back(stored<T>(first), firstItem);
+    // Rows are read here directly, each value made in place, as this loop
+    // is most of a sort's time outside the sort itself.
+    const QList<XOLATreeItem*>& rows = reader.rows();
+    const int role = reader.role();
+    for (int row = reader.position(); row < rows.size(); ++row) {
+        XOLATreeItem* item = rows.at(row);
+        if (row + 4 < rows.size())
+            __builtin_prefetch(rows.at(row + 4));
+        QVariant value = item ? item->getData(role) : QVariant();
+        // The common case first: a value of the same type (which is never
+        // an invalid one).
+        if (value.userType() == type && !isNaNValue(stored<T>(value))) {
+            entries.emplace_back(stored<T>(value), item);
+            continue;
+        }
+        if (isInvalidValue(value)) {
+            reader.setAside(item);
+        } else {
+            reader.moveTo(row + 1);
+            QVector<ValuedItem> valued;
+            valued.reserve(int(entries.size()) + reader.remaining() + 1);
+            for (const auto& entry : entries)
+                valued.append(ValuedItem{QVariant::fromValue(entry.first), entry.second});
+            valued.append(ValuedItem{std::move(value), item});
+            return reader.orderOfTheRest(valued, ascending);
+        }
+    }
+    if constexpr (std::is_arithmetic<T>::value) {
+        // Numbers take the radix sort, which gives the order of the stable
+        // sort below: ascending over the reversed rows, descending over
+        // complemented keys.
+        if (ascending) {
+            std::reverse(entries.begin(), entries.end());
+            RadixSort::sortStable(entries, [](const T& value) { return RadixSort::key(value); });
+        } else {
+            RadixSort::sortStable(entries, [](const T& value) { return ~RadixSort::key(value); });
+        }
+        return listInOrder(reader.rows(), entries, reader.invalid());
+    } else {
+        stableSortEntries(entries, ascending, less);
+        return listInOrder(reader.rows(), entries, reader.invalid());
+    }
+}
+
+// Every row in the order of the built-in comparison, the rows without a value
+// last in their previous order.
+QList<XOLATreeItem*> builtInRoleOrder(const QList<XOLATreeItem*>& items, int role, bool ascending)
+{
+    RoleReader reader(items, role);
+    QVariant first;
+    XOLATreeItem* firstItem = nullptr;
+    if (!reader.next(first, firstItem))
+        return reader.invalid();
+    switch (first.userType()) {
+    case QMetaType::Int:
+        return typedRoleOrder<int>(reader, first, firstItem, ascending, std::less<int>());
+    case QMetaType::UInt:
+        return typedRoleOrder<uint>(reader, first, firstItem, ascending, std::less<uint>());
+    case QMetaType::LongLong:
+        return typedRoleOrder<qlonglong>(reader, first, firstItem, ascending, std::less<qlonglong>());
+    case QMetaType::ULongLong:
+        return typedRoleOrder<qulonglong>(reader, first, firstItem, ascending, std::less<qulonglong>());
+    case QMetaType::Double:
+        if (!qIsNaN(stored<double>(first)))
+            return typedRoleOrder<double>(reader, first, firstItem, ascending, std::less<double>());
+        break;
+    case QMetaType::QString:
+        return typedRoleOrder<QString>(reader, first, firstItem, ascending,
+                                       [](const QString& a, const QString& b) { return a < b; });
+    default:
+        break;
+    }
+    QVector<ValuedItem> valued;
+    valued.reserve(reader.remaining() + 1);
+    valued.append(ValuedItem{first, firstItem});
+    return reader.orderOfTheRest(valued, ascending);
+}
+
 // Models whose child models are being sorted right now, so that a tree that
 // leads back to one of its own models does not recurse forever.
 QSet<const QObject*>& modelsSortingChildren()
@@ -252,8 +417,7 @@ void XOLATreeModel::SortByRole(int role, bool ascending, PF_LESS_THAN pfLessThan
             return MyVariant(v, ascending, pfLessThan);
         }));
     } else {
-        const RoleValues values = readRoleValues(rows.items(), role);
-        rows.reorder(builtInOrder(values.valued, ascending) + values.invalid);
+        rows.reorder(builtInRoleOrder(rows.items(), role, ascending));
     }
     // Rows are rebuilt, not moved: views re-read every row.
     rows.rowsChanged(0, rows.count() - 1);
@@ -302,8 +466,7 @@ void XOLATreeModel::SortByRoleByQMLFunction(int role, bool ascending, QString fi
             return MyVariant(v, ascending, object, compareFunctionName);
         }));
     } else {
-        const RoleValues values = readRoleValues(rows.items(), role);
-        rows.reorder(builtInOrder(values.valued, ascending) + values.invalid);
+        rows.reorder(builtInRoleOrder(rows.items(), role, ascending));
     }
     rows.rowsChanged(0, rows.count() - 1);
     rows.layoutChangedWithoutAboutToBe();

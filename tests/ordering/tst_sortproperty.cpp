@@ -235,6 +235,8 @@ private slots:
     void builtInFastTypesMatchGeneralPath();
     void builtInMixedTypesMatchMultiInsertion();
     void largeIntListMatchesGeneralPath();
+    void largeUniformListsMatchMultiInsertion_data();
+    void largeUniformListsMatchMultiInsertion();
     void rulesMatchMultiInsertion();
     void rulesOverCompleteValuesMatchMultiInsertion();
 };
@@ -365,6 +367,75 @@ void TestSortProperty::largeIntListMatchesGeneralPath()
     ModelTesters::expect(ModelTesters::ListLoadAfterChange);
     for (bool ascending : {true, false})
         QCOMPARE(sortedIds(values, ascending, PF_LESS_THAN(), true), sortedIds(values, ascending, builtIn, true));
+}
+
+namespace {
+
+// Values of one type over its whole range, with ties, both zeros and the
+// infinities, so that every byte of the keys differs between rows.
+QVariant wideValue(Generator& g, QMetaType::Type type)
+{
+    if (uniform(g, 0, 3) == 0)
+        return randomValue(g, type);
+    const quint64 bits = (quint64(g()) << 32) | g();
+    switch (type) {
+    case QMetaType::Int:
+        return int(quint32(bits));
+    case QMetaType::UInt:
+        return uint(bits);
+    case QMetaType::LongLong:
+        return qlonglong(bits);
+    case QMetaType::ULongLong:
+        return qulonglong(bits);
+    case QMetaType::Double: {
+        const double special[] = {qInf(), -qInf(), -0.0, 0.0, 1e-310, -1e-310};
+        if (uniform(g, 0, 4) == 0)
+            return special[uniform(g, 0, 5)];
+        return double(qint64(bits)) / double(uniform(g, 1, 1000));
+    }
+    default:
+        return randomValue(g, type);
+    }
+}
+
+} // namespace
+
+void TestSortProperty::largeUniformListsMatchMultiInsertion_data()
+{
+    QTest::addColumn<int>("type");
+    // What follows the uniform rows: nothing, an invalid value, or a value
+    // of another type (a NaN counts as one) somewhere in the rows.
+    QTest::addColumn<QVariant>("intruder");
+    const struct
+    {
+        const char* name;
+        QMetaType::Type type;
+    } types[] = {{"int", QMetaType::Int},           {"uint", QMetaType::UInt},     {"longlong", QMetaType::LongLong},
+                 {"ulonglong", QMetaType::ULongLong}, {"double", QMetaType::Double}, {"string", QMetaType::QString}};
+    for (const auto& t : types) {
+        QTest::addRow("%s", t.name) << int(t.type) << QVariant();
+        QTest::addRow("%s, then a string", t.name) << int(t.type) << QVariant(QStringLiteral("b"));
+        QTest::addRow("%s, then an int", t.name) << int(t.type) << QVariant(2);
+        QTest::addRow("%s, then a NaN", t.name) << int(t.type) << QVariant(qQNaN());
+    }
+}
+
+void TestSortProperty::largeUniformListsMatchMultiInsertion()
+{
+    QFETCH(int, type);
+    QFETCH(QVariant, intruder);
+    ModelTesters::expect(ModelTesters::ListLoadAfterChange);
+    for (uint seed = 1; seed <= 6; ++seed) {
+        Generator g(seed);
+        QVariantList values;
+        const int size = uniform(g, 100, 700);
+        for (int i = 0; i < size; ++i)
+            values << (uniform(g, 1, 20) == 1 ? QVariant() : wideValue(g, QMetaType::Type(type)));
+        if (intruder.isValid())
+            values.insert(uniform(g, 1, values.size()), intruder);
+        for (bool ascending : {true, false})
+            QCOMPARE(sortedIds(values, ascending, PF_LESS_THAN(), true), builtInReferenceOrder(values, ascending));
+    }
 }
 
 namespace {
