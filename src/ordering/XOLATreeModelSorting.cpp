@@ -125,43 +125,6 @@ void stableSortEntries(std::vector<std::pair<T, XOLATreeItem*>>& entries, bool a
     }
 }
 
-template <typename T, typename Extract, typename Less>
-QList<XOLATreeItem*> stableOrder(const QVector<ValuedItem>& valued, bool ascending, Extract extract, Less less)
-{
-    std::vector<std::pair<T, XOLATreeItem*>> entries;
-    entries.reserve(size_t(valued.size()));
-    for (const ValuedItem& entry : valued)
-        entries.emplace_back(extract(entry.value), entry.item);
-    stableSortEntries(entries, ascending, less);
-    QList<XOLATreeItem*> result;
-    result.reserve(int(entries.size()));
-    for (const auto& entry : entries)
-        result.append(entry.second);
-    return result;
-}
-
-// The type shared by every value when the built-in comparison is a strict weak
-// order on them, or QMetaType::UnknownType when the rows need the general path
-// (mixed types, values without an order, NaN, date-times whose order depends on
-// time zones).
-int uniformOrderedType(const QVector<ValuedItem>& valued)
-{
-    if (valued.isEmpty())
-        return QMetaType::UnknownType;
-    const int type = valued.first().value.userType();
-    // Date-times are ordered by the built-in comparison too, but their order
-    // depends on time zones, so they take the general path.
-    if (!MyVariant::isComparableType(type) || type == QMetaType::QDateTime)
-        return QMetaType::UnknownType;
-    for (const ValuedItem& entry : valued) {
-        if (entry.value.userType() != type)
-            return QMetaType::UnknownType;
-        if (type == QMetaType::Double && qIsNaN(entry.value.toDouble()))
-            return QMetaType::UnknownType;
-    }
-    return type;
-}
-
 // The value a variant holds, read in place: the caller has checked its type.
 template <typename T>
 const T& stored(const QVariant& value)
@@ -169,46 +132,22 @@ const T& stored(const QVariant& value)
     return *static_cast<const T*>(value.constData());
 }
 
-// The order of the built-in, type-aware comparison.
-QList<XOLATreeItem*> builtInOrder(const QVector<ValuedItem>& valued, bool ascending)
+// The order of the built-in comparison over values of mixed types, or of a
+// type without a strict weak order (NaN among doubles, date-times, whose order
+// depends on time zones, and unordered types): a real multi-insertion.
+QList<XOLATreeItem*> generalOrder(const QVector<ValuedItem>& valued, bool ascending)
 {
-    switch (uniformOrderedType(valued)) {
-    case QMetaType::Bool:
-        return stableOrder<bool>(valued, ascending, [](const QVariant& v) { return stored<bool>(v); },
-                                 [](bool a, bool b) { return !a && b; });
-    case QMetaType::Int:
-        return stableOrder<int>(valued, ascending, [](const QVariant& v) { return stored<int>(v); }, std::less<int>());
-    case QMetaType::UInt:
-        return stableOrder<uint>(valued, ascending, [](const QVariant& v) { return stored<uint>(v); }, std::less<uint>());
-    case QMetaType::LongLong:
-        return stableOrder<qlonglong>(valued, ascending, [](const QVariant& v) { return stored<qlonglong>(v); },
-                                      std::less<qlonglong>());
-    case QMetaType::ULongLong:
-        return stableOrder<qulonglong>(valued, ascending, [](const QVariant& v) { return stored<qulonglong>(v); },
-                                       std::less<qulonglong>());
-    case QMetaType::Double:
-        return stableOrder<double>(valued, ascending, [](const QVariant& v) { return stored<double>(v); },
-                                   std::less<double>());
-    case QMetaType::QChar:
-        return stableOrder<QChar>(valued, ascending, [](const QVariant& v) { return v.toChar(); },
-                                  [](QChar a, QChar b) { return a < b; });
-    case QMetaType::QString:
-        return stableOrder<QString>(valued, ascending, [](const QVariant& v) { return stored<QString>(v); },
-                                    [](const QString& a, const QString& b) { return a < b; });
-    case QMetaType::QByteArray:
-        return stableOrder<QByteArray>(valued, ascending, [](const QVariant& v) { return v.toByteArray(); },
-                                       [](const QByteArray& a, const QByteArray& b) { return VariantRules::compareBytes(a, b) < 0; });
-    case QMetaType::QDate:
-        return stableOrder<QDate>(valued, ascending, [](const QVariant& v) { return v.toDate(); },
-                                  [](const QDate& a, const QDate& b) { return a < b; });
-    case QMetaType::QTime:
-        return stableOrder<QTime>(valued, ascending, [](const QVariant& v) { return v.toTime(); },
-                                  [](const QTime& a, const QTime& b) { return a < b; });
-    default:
-        return multiInsertionOrder(valued, [ascending](const QVariant& v) {
-            return MyVariant(v, ascending, PF_LESS_THAN());
-        });
-    }
+    return multiInsertionOrder(valued, [ascending](const QVariant& v) { return MyVariant(v, ascending, PF_LESS_THAN()); });
+}
+
+// A hint to start loading an item that is read a few rows later.
+inline void prefetch(const void* address)
+{
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    Q_UNUSED(address);
+#endif
 }
 
 // Reads each row's value once, in row order, setting aside the rows without
@@ -222,20 +161,12 @@ public:
     {
     }
 
-    //! The next row and its value, with or without one; false when every
-    //! row has been read.
-    bool nextRow(QVariant& value, XOLATreeItem*& item)
-    {
-        if (m_next == m_items.size())
-            return false;
-        item = m_items.at(m_next++);
-        value = item ? item->getData(m_role) : QVariant();
-        return true;
-    }
     //! The next row with a value; false when every row has been read.
     bool next(QVariant& value, XOLATreeItem*& item)
     {
-        while (nextRow(value, item)) {
+        while (m_next < m_items.size()) {
+            item = m_items.at(m_next++);
+            value = item ? item->getData(m_role) : QVariant();
             if (!isInvalidValue(value))
                 return true;
             setAside(item);
@@ -260,7 +191,7 @@ public:
         XOLATreeItem* item = nullptr;
         while (next(value, item))
             valued.append(ValuedItem{std::move(value), item});
-        return builtInOrder(valued, ascending) + m_invalid;
+        return generalOrder(valued, ascending) + m_invalid;
     }
 
 private:
@@ -282,10 +213,10 @@ bool isNaNValue<double>(const double& value)
     return qIsNaN(value);
 }
 
-// The built-in order when the first value is of type T: keys go straight into
-// the stable sort while every value has that type, as builtInOrder would sort
-// them. The first value of another type (or a NaN) sends all the values to
-// builtInOrder, which then takes its general path.
+// The built-in order when the first value is of the ordered type T: keys go
+// straight into the sort while every value has that type, which orders them
+// exactly as the general path would. The first value of another type (or a
+// NaN) sends all the values to the general path.
 template <typename T, typename Less>
 QList<XOLATreeItem*> typedRoleOrder(RoleReader& reader, const QVariant& first, XOLATreeItem* firstItem,
                                     bool ascending, Less less)
@@ -301,7 +232,7 @@ QList<XOLATreeItem*> typedRoleOrder(RoleReader& reader, const QVariant& first, X
     for (int row = reader.position(); row < rows.size(); ++row) {
         XOLATreeItem* item = rows.at(row);
         if (row + 4 < rows.size())
-            __builtin_prefetch(rows.at(row + 4));
+            prefetch(rows.at(row + 4));
         QVariant value = item ? item->getData(role) : QVariant();
         // The common case first: a value of the same type (which is never
         // an invalid one).
@@ -321,7 +252,7 @@ QList<XOLATreeItem*> typedRoleOrder(RoleReader& reader, const QVariant& first, X
             return reader.orderOfTheRest(valued, ascending);
         }
     }
-    if constexpr (std::is_arithmetic<T>::value) {
+    if constexpr (std::is_arithmetic<T>::value && !std::is_same<T, bool>::value) {
         // Numbers take the radix sort, which gives the order of the stable
         // sort below: ascending over the reversed rows, descending over
         // complemented keys.
@@ -360,9 +291,24 @@ QList<XOLATreeItem*> builtInRoleOrder(const QList<XOLATreeItem*>& items, int rol
         if (!qIsNaN(stored<double>(first)))
             return typedRoleOrder<double>(reader, first, firstItem, ascending, std::less<double>());
         break;
+    case QMetaType::Bool:
+        // false orders before true
+        return typedRoleOrder<bool>(reader, first, firstItem, ascending, [](bool a, bool b) { return !a && b; });
+    case QMetaType::QChar:
+        return typedRoleOrder<QChar>(reader, first, firstItem, ascending, [](QChar a, QChar b) { return a < b; });
     case QMetaType::QString:
         return typedRoleOrder<QString>(reader, first, firstItem, ascending,
                                        [](const QString& a, const QString& b) { return a < b; });
+    case QMetaType::QByteArray:
+        return typedRoleOrder<QByteArray>(reader, first, firstItem, ascending, [](const QByteArray& a, const QByteArray& b) {
+            return VariantRules::compareBytes(a, b) < 0;
+        });
+    case QMetaType::QDate:
+        return typedRoleOrder<QDate>(reader, first, firstItem, ascending,
+                                     [](const QDate& a, const QDate& b) { return a < b; });
+    case QMetaType::QTime:
+        return typedRoleOrder<QTime>(reader, first, firstItem, ascending,
+                                     [](const QTime& a, const QTime& b) { return a < b; });
     default:
         break;
     }

@@ -410,8 +410,10 @@ void TestSortProperty::largeUniformListsMatchMultiInsertion_data()
     {
         const char* name;
         QMetaType::Type type;
-    } types[] = {{"int", QMetaType::Int},           {"uint", QMetaType::UInt},     {"longlong", QMetaType::LongLong},
-                 {"ulonglong", QMetaType::ULongLong}, {"double", QMetaType::Double}, {"string", QMetaType::QString}};
+    } types[] = {{"bool", QMetaType::Bool},         {"int", QMetaType::Int},           {"uint", QMetaType::UInt},
+                 {"longlong", QMetaType::LongLong}, {"ulonglong", QMetaType::ULongLong}, {"double", QMetaType::Double},
+                 {"char", QMetaType::QChar},        {"string", QMetaType::QString},      {"bytearray", QMetaType::QByteArray},
+                 {"date", QMetaType::QDate},        {"time", QMetaType::QTime}};
     for (const auto& t : types) {
         QTest::addRow("%s", t.name) << int(t.type) << QVariant();
         QTest::addRow("%s, then a string", t.name) << int(t.type) << QVariant(QStringLiteral("b"));
