@@ -34,18 +34,22 @@ qint64 residentBytes()
     return fields.at(1).toLongLong() * qint64(sysconf(_SC_PAGESIZE));
 }
 
+// Makes n rows, their strings included, and lists them in one call.
+void appendNewRows(XOLATreeModel* model, int n)
+{
+    QList<XOLATreeItem*> items;
+    items.reserve(n);
+    for (int i = 0; i < n; ++i)
+        items.append(new BenchItem(makeRow(i)));
+    model->AppendItemsList(items);
+}
+
 // The rows are made inside the measured region, so their strings count.
 qint64 loadXola(int n)
 {
     XOLATreeModel* model = createModel();
     const qint64 before = residentBytes();
-    {
-        QList<XOLATreeItem*> items;
-        items.reserve(n);
-        for (int i = 0; i < n; ++i)
-            items.append(new BenchItem(makeRow(i)));
-        model->AppendItemsList(items);
-    }
+    appendNewRows(model, n);
     const qint64 after = residentBytes();
     if (model->rowCount() != n)
         return -1;
@@ -103,13 +107,7 @@ QVariantList everyRowRules()
 qint64 filterView(int n)
 {
     XOLATreeModel* model = createModel();
-    {
-        QList<XOLATreeItem*> items;
-        items.reserve(n);
-        for (int i = 0; i < n; ++i)
-            items.append(new BenchItem(makeRow(i)));
-        model->AppendItemsList(items);
-    }
+    appendNewRows(model, n);
     const QVariantList rules = everyRowRules();
 #if defined(__GLIBC__)
     // Loading freed its temporaries (the item list, the rows' scratch

@@ -3,10 +3,11 @@
 // comparison files of the function sorts, and the items' own values.
 //
 // The input is read as JSON and converted the way QML hands values over
-// (toVariant). Input that is no JSON (as a strict reader judges it) is decoded byte by byte into JSON-like
-// values instead, so that short inputs still reach the library. When the input
-// ends in whitespace (which JSON allows), the strings "NaN", "Infinity" and
-// "-Infinity" in it become those doubles: JSON itself cannot spell them.
+// (toVariant). Input that is no JSON (as a strict reader judges it) is decoded
+// byte by byte into JSON-like values instead, so that short inputs still reach
+// the library. When the input ends in whitespace (which JSON allows), the
+// strings "NaN", "Infinity" and "-Infinity" in it become those doubles: JSON
+// itself cannot spell them.
 //
 // The arguments go through the randomized suite's operation engine: it builds a
 // model with child and grandchild models and every kind of view attached, runs
